@@ -1,0 +1,74 @@
+#include "platform/posix/PosixFileManager.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <utility>
+
+#include "platform/posix/Descriptor.h"
+#include "platform/posix/errors.h"
+#include "platform/posix/files.h"
+
+namespace quillmont {
+namespace {
+
+/// The field has one name in POSIX and another on macOS.
+template <class Status>
+timespec modificationTime(const Status& status) {
+  if constexpr (requires { status.st_mtim; }) {
+    return status.st_mtim;
+  } else {
+    return status.st_mtimespec;
+  }
+}
+
+TimePoint timePoint(const timespec& time) {
+  const auto sinceEpoch =
+      std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+  return TimePoint(std::chrono::duration_cast<TimePoint::duration>(sinceEpoch));
+}
+
+}  // namespace
+
+PosixFileManager::PosixFileManager(std::vector<std::string> libraryFolders)
+    : libraryFolders_(std::move(libraryFolders)) {}
+
+Result<FileAttributes> PosixFileManager::attributes(const std::string& path) const {
+  struct stat status;
+  if (stat(path.c_str(), &status) != 0) return Error{errorText(errno)};
+  return FileAttributes{timePoint(modificationTime(status)), std::nullopt};
+}
+
+bool PosixFileManager::exists(const std::string& path) const {
+  struct stat status;
+  return stat(path.c_str(), &status) == 0;
+}
+
+std::vector<std::string> PosixFileManager::userLibraryFolders() const {
+  return libraryFolders_;
+}
+
+Result<void> PosixFileManager::createDirectory(const std::string& path) {
+  return createFolders(path, 0755);
+}
+
+Result<void> PosixFileManager::writeFile(const std::string& path, std::string_view bytes) {
+  // Non-blocking, so that a pipe without a reader is an error and not a wait.
+  Descriptor fd(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0644));
+  if (!fd) return Error{errorText(errno)};
+  if (auto written = writeAll(fd.get(), bytes); !written) return written;
+  // Network file systems tell a full disk only here.
+  if (close(fd.release()) != 0) return Error{errorText(errno)};
+  return {};
+}
+
+Result<void> PosixFileManager::remove(const std::string& path) {
+  if (std::remove(path.c_str()) != 0) return Error{errorText(errno)};
+  return {};
+}
+
+}  // namespace quillmont
