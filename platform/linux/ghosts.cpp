@@ -1,0 +1,177 @@
+#include "platform/linux/ghosts.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <charconv>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+#include "platform/linux/user_folders.h"
+#include "platform/posix/Descriptor.h"
+#include "platform/posix/files.h"
+
+namespace quillmont {
+
+namespace {
+
+// A record is a list of key=value entries, each ended by a NUL: the one byte that no path holds.
+
+Result<std::string> ghostFolder() {
+  const auto runtime = runtimeFolder();
+  if (!runtime) return Error{runtime.errorText()};
+  return *runtime + "/ghosts";
+}
+
+Result<std::string> bootIdentifier() {
+  auto text = readFile("/proc/sys/kernel/random/boot_id", 4096);
+  if (text && text->ends_with('\n')) text->pop_back();
+  return text;
+}
+
+/// Mount identifiers are given again after an unmount; with the attachment's sequence the name of
+/// a stale record is never that of a new one.
+std::string recordName(const Ghost& ghost) {
+  return ghost.loopName + "-" + std::to_string(ghost.loopSequence) + "-" +
+         std::to_string(ghost.mountId);
+}
+
+std::string encoded(const Ghost& ghost, const std::string& boot) {
+  std::string record;
+  const auto add = [&record](const char* key, const std::string& value) {
+    record.append(key).append("=").append(value).push_back('\0');
+  };
+  add("boot", boot);
+  add("loop", ghost.loopName);
+  add("sequence", std::to_string(ghost.loopSequence));
+  add("image", ghost.imagePath);
+  add("device", ghost.deviceNode);
+  add("mount-point", ghost.mountPoint);
+  add("mount-id", std::to_string(ghost.mountId));
+  add("super-device", std::to_string(ghost.superDevice));
+  add("stat-device", std::to_string(ghost.statDevice));
+  return record;
+}
+
+using Entries = std::map<std::string, std::string, std::less<>>;
+
+Entries entriesOf(std::string_view record) {
+  Entries entries;
+  for (auto end = record.find('\0'); end != std::string_view::npos; end = record.find('\0')) {
+    const auto entry = record.substr(0, end);
+    const auto equals = entry.find('=');
+    if (equals != std::string_view::npos) {
+      entries.emplace(entry.substr(0, equals), entry.substr(equals + 1));
+    }
+    record.remove_prefix(end + 1);
+  }
+  return entries;
+}
+
+bool take(const Entries& entries, const char* key, std::string& value) {
+  const auto entry = entries.find(key);
+  if (entry == entries.end() || entry->second.empty()) return false;
+  value = entry->second;
+  return true;
+}
+
+bool take(const Entries& entries, const char* key, std::uint64_t& value) {
+  std::string text;
+  if (!take(entries, key, text)) return false;
+  const auto end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, value);
+  return result.ec == std::errc() && result.ptr == end;
+}
+
+std::optional<Ghost> decodedRecord(std::string_view record, const std::string& boot) {
+  const Entries entries = entriesOf(record);
+  std::string recordedBoot;
+  Ghost ghost;
+  const bool whole =
+      take(entries, "boot", recordedBoot) && take(entries, "loop", ghost.loopName) &&
+      take(entries, "sequence", ghost.loopSequence) && take(entries, "image", ghost.imagePath) &&
+      take(entries, "device", ghost.deviceNode) && take(entries, "mount-point", ghost.mountPoint) &&
+      take(entries, "mount-id", ghost.mountId) &&
+      take(entries, "super-device", ghost.superDevice) &&
+      take(entries, "stat-device", ghost.statDevice);
+  if (!whole || recordedBoot != boot) return std::nullopt;
+  return ghost;
+}
+
+/// The bytes of a record that is a plain file of ours: a link or a pipe planted in the folder is
+/// not followed and not waited for.
+std::string recordBytes(const std::string& path) {
+  const Descriptor file(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  struct stat status = {};
+  if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return {};
+  if (status.st_uid != geteuid() || status.st_size > 64 * 1024) return {};
+  std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
+  const ssize_t count = pread(file.get(), bytes.data(), bytes.size(), 0);
+  bytes.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+  return bytes;
+}
+
+/// A renamed image is still the same one, so the path counts only where the kernel tells no
+/// sequence.
+bool lives(const Ghost& ghost, const std::vector<LoopDevice>& attached) {
+  return std::any_of(attached.begin(), attached.end(), [&ghost](const LoopDevice& loop) {
+    return loop.name == ghost.loopName && loop.sequence == ghost.loopSequence &&
+           (loop.sequence != 0 || loop.backingFile == ghost.imagePath);
+  });
+}
+
+/// Tells records from files beside them that are just being written.
+bool isRecordName(std::string_view name) {
+  return name.starts_with("loop") && std::count(name.begin(), name.end(), '-') == 2 &&
+         name.find_first_not_of("0123456789-", 4) == std::string_view::npos;
+}
+
+std::vector<std::string> recordNames(const std::string& folder) {
+  std::vector<std::string> names;
+  const std::unique_ptr<DIR, int (*)(DIR*)> open(opendir(folder.c_str()), closedir);
+  while (const auto* entry = open ? readdir(open.get()) : nullptr) {
+    if (isRecordName(entry->d_name)) names.emplace_back(entry->d_name);
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+}  // namespace
+
+Result<void> rememberGhost(const Ghost& ghost) {
+  const auto folder = ghostFolder();
+  if (!folder) return Error{folder.errorText()};
+  if (auto made = createFolders(*folder, 0700); !made) return made;
+  const auto boot = bootIdentifier();
+  if (!boot) return Error{boot.errorText()};
+  return replaceFile(*folder + "/" + recordName(ghost), encoded(ghost, *boot));
+}
+
+void forgetGhost(const Ghost& ghost) {
+  const auto folder = ghostFolder();
+  if (folder) unlink((*folder + "/" + recordName(ghost)).c_str());
+}
+
+std::vector<Ghost> livingGhosts(const std::vector<LoopDevice>& attached) {
+  const auto folder = ghostFolder();
+  const auto boot = bootIdentifier();
+  if (!folder || !boot) return {};
+  std::vector<Ghost> ghosts;
+  for (const auto& name : recordNames(*folder)) {
+    const std::string path = *folder + "/" + name;
+    auto ghost = decodedRecord(recordBytes(path), *boot);
+    if (ghost && lives(*ghost, attached)) {
+      ghosts.push_back(std::move(*ghost));
+    } else {
+      unlink(path.c_str());
+    }
+  }
+  return ghosts;
+}
+
+}  // namespace quillmont
