@@ -1,0 +1,36 @@
+// An image file that is to be attached.
+#pragma once
+
+#include <sys/stat.h>
+
+#include <string>
+
+#include "platform/Result.h"
+#include "platform/posix/Descriptor.h"
+
+namespace quillmont {
+
+struct ImageFile {
+  std::string path;  ///< absolute, links resolved
+  Descriptor file;   ///< open for writing unless `readOnly`
+  struct stat status = {};
+  bool readOnly = false;
+
+  /// Opens the image at `path`, for reading only where nothing may be written. Failure: it cannot
+  /// be read, or is no regular file.
+  static Result<ImageFile> open(const std::string& path);
+};
+
+/// Keeps other attachments of the same image away as long as it lives, so that no two loop devices
+/// ever carry one file: they would write over each other. Waits a few seconds for its turn and
+/// goes without where the file system knows no locks.
+class AttachmentTurn {
+ public:
+  explicit AttachmentTurn(const ImageFile& image);
+
+ private:
+  // Not the image's own descriptor: that one lives on in the loop device, and its lock with it.
+  Descriptor file_;
+};
+
+}  // namespace quillmont

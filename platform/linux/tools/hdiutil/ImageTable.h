@@ -1,0 +1,71 @@
+// What is attached and mounted at one moment.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/Result.h"
+#include "platform/linux/ghosts.h"
+#include "platform/linux/loop_devices.h"
+#include "platform/linux/tools/hdiutil/image_devices.h"
+
+namespace quillmont {
+
+/// One device of an image, at one place.
+struct ImageEntity {
+  std::string deviceNode;
+  std::string mountPoint;  ///< empty for a device that is not mounted
+  bool operator==(const ImageEntity&) const = default;
+};
+
+/// An attached image: the whole device first, then its partitions and mappings. A device that is
+/// mounted at several places comes once for each. Volumes that were detached lazily and still have
+/// holders count as mounted.
+struct AttachedImage {
+  LoopDevice loop;
+  std::vector<ImageEntity> entities;
+};
+
+class ImageTable {
+ public:
+  /// The system as it stands. Opens no device. Failure: the mount table cannot be read.
+  static Result<ImageTable> read();
+
+  /// `partitions` are names of partitions of any of the loops.
+  ImageTable(std::vector<LoopDevice> loops, const std::vector<std::string>& partitions,
+             std::vector<Mount> mounts, std::vector<VolumeMount> volumes, std::vector<Ghost> ghosts,
+             std::string user);
+
+  /// In the order of the loop numbers.
+  const std::vector<AttachedImage>& images() const { return images_; }
+
+  /// The attached image whose volume has this presented or real mount point, or this device node;
+  /// mounted volumes come before those that only live on. Null if there is none.
+  const AttachedImage* find(const std::string& place) const;
+
+  /// Every mount of `loopName`, bind mounts of parts of it among them, the latest first.
+  std::vector<VolumeMount> mountsOf(const std::string& loopName) const;
+
+  std::vector<Ghost> ghostsOf(const std::string& loopName) const;
+
+  /// Where something is mounted that stands on one of `volumes` without being one; empty if
+  /// nothing is.
+  std::string mountInside(const std::vector<VolumeMount>& volumes) const;
+
+  /// Every place that is in use, the ghosts' own among them.
+  const std::vector<std::string>& mountPoints() const { return mountPoints_; }
+
+  std::string presented(const std::string& mountPoint) const;
+
+ private:
+  AttachedImage describe(const LoopDevice& loop, const std::vector<std::string>& partitions) const;
+
+  std::vector<Mount> mounts_;
+  std::vector<VolumeMount> volumes_;
+  std::vector<Ghost> ghosts_;
+  std::string user_;
+  std::vector<std::string> mountPoints_;
+  std::vector<AttachedImage> images_;
+};
+
+}  // namespace quillmont

@@ -1,0 +1,177 @@
+#include "platform/linux/tools/hdiutil/ImageTable.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/linux/tools/hdiutil/info.h"
+
+namespace quillmont {
+
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+Mount mountOf(int id, const std::string& node, const std::string& place,
+              const std::string& root = "/", const std::string& type = "ext4", int parent = 1) {
+  return {id, parent, 7, 0, root, place, type, node};
+}
+
+/// Loops "loop0" (/a.img, partitions 1 and 2) and "loop12" (/b.img) with these mounts and ghosts.
+class ImageTables : public ::testing::Test {
+ protected:
+  void mounted(const std::string& loopName, const Mount& mount) {
+    mounts_.push_back(mount);
+    volumes_.push_back({loopName, mount.source, mount});
+  }
+
+  void ghost(const std::string& loopName, const std::string& node, const std::string& place) {
+    ghosts_.push_back({loopName, 1, "/a.img", node, place, 99, 1, 1});
+  }
+
+  ImageTable table() const {
+    return ImageTable({{"loop0", "/a.img", 1}, {"loop12", "/b.img", 2}}, {"loop0p1", "loop0p2"},
+                      mounts_, volumes_, ghosts_, "ann");
+  }
+
+  std::vector<ImageEntity> entities(std::size_t image) const {
+    return table().images().at(image).entities;
+  }
+
+  std::vector<Mount> mounts_ = {mountOf(1, "/dev/vda", "/", "/", "ext4", 0)};
+  std::vector<VolumeMount> volumes_;
+  std::vector<Ghost> ghosts_;
+};
+
+TEST_F(ImageTables, ListTheDeviceAndItsPartitionsWhenNothingIsMounted) {
+  EXPECT_THAT(entities(0),
+              ElementsAre(ImageEntity{"/dev/loop0", ""}, ImageEntity{"/dev/loop0p1", ""},
+                          ImageEntity{"/dev/loop0p2", ""}));
+  EXPECT_THAT(entities(1), ElementsAre(ImageEntity{"/dev/loop12", ""}));
+}
+
+TEST_F(ImageTables, GiveEachMountToItsDevice) {
+  mounted("loop0", mountOf(10, "/dev/loop0p2", "/media/ann/two"));
+  mounted("loop12", mountOf(11, "/dev/loop12", "/media/ann/b"));
+  EXPECT_THAT(entities(0),
+              ElementsAre(ImageEntity{"/dev/loop0", ""}, ImageEntity{"/dev/loop0p1", ""},
+                          ImageEntity{"/dev/loop0p2", "/media/ann/two"}));
+  EXPECT_THAT(entities(1), ElementsAre(ImageEntity{"/dev/loop12", "/media/ann/b"}));
+}
+
+TEST_F(ImageTables, ListADeviceOnceForEachPlace) {
+  mounted("loop0", mountOf(10, "/dev/loop0p1", "/mnt"));
+  mounted("loop0", mountOf(11, "/dev/loop0p1", "/media/ann/x"));
+  mounted("loop0", mountOf(12, "/dev/loop0p1", "/mnt"));
+  EXPECT_THAT(
+      entities(0),
+      ElementsAre(ImageEntity{"/dev/loop0", ""}, ImageEntity{"/dev/loop0p1", "/mnt"},
+                  ImageEntity{"/dev/loop0p1", "/media/ann/x"}, ImageEntity{"/dev/loop0p2", ""}));
+}
+
+TEST_F(ImageTables, LeaveOutABoundFolder) {
+  mounted("loop12", mountOf(10, "/dev/loop12", "/srv/part", "/folder"));
+  EXPECT_THAT(entities(1), ElementsAre(ImageEntity{"/dev/loop12", ""}));
+  EXPECT_EQ(table().mountsOf("loop12").size(), 1u);
+}
+
+TEST_F(ImageTables, TakeASubvolumeOfBtrfsForAVolume) {
+  mounted("loop12", mountOf(10, "/dev/loop12", "/media/ann/b", "/@home", "btrfs"));
+  EXPECT_THAT(entities(1), ElementsAre(ImageEntity{"/dev/loop12", "/media/ann/b"}));
+}
+
+TEST_F(ImageTables, ListAMappingOfTheImageAfterItsDevices) {
+  mounted("loop12", mountOf(10, "/dev/mapper/safe", "/media/ann/b"));
+  EXPECT_THAT(entities(1), ElementsAre(ImageEntity{"/dev/loop12", ""},
+                                       ImageEntity{"/dev/mapper/safe", "/media/ann/b"}));
+}
+
+TEST_F(ImageTables, ListAGhostWithThePlaceItHad) {
+  ghost("loop0", "/dev/loop0p1", "/media/ann/x");
+  EXPECT_THAT(entities(0), ElementsAre(ImageEntity{"/dev/loop0", ""},
+                                       ImageEntity{"/dev/loop0p1", "/media/ann/x"},
+                                       ImageEntity{"/dev/loop0p2", ""}));
+}
+
+TEST_F(ImageTables, ListAVolumeThatCameBackOnce) {
+  mounted("loop0", mountOf(10, "/dev/loop0p1", "/media/ann/x"));
+  ghost("loop0", "/dev/loop0p1", "/media/ann/x");
+  EXPECT_EQ(entities(0).size(), 3u);
+}
+
+TEST_F(ImageTables, FindAnImageByPresentedPlaceRealPlaceAndDevice) {
+  mounted("loop12", mountOf(10, "/dev/loop12", "/media/ann/b"));
+  const auto all = table();
+  for (const char* place :
+       {"/Volumes/b", "/Volumes/b/", "/media/ann/b", "/media/ann/b//", "/dev/loop12"}) {
+    ASSERT_TRUE(all.find(place)) << place;
+    EXPECT_EQ(all.find(place)->loop.name, "loop12");
+  }
+  for (const char* place : {"/", "", "/Volumes", "/Volumes/", "b", "/dev/vda", "/Volumes/b/c"}) {
+    EXPECT_FALSE(all.find(place)) << place;
+  }
+}
+
+TEST_F(ImageTables, FindTheVolumeOnTop) {
+  mounted("loop0", mountOf(10, "/dev/loop0p1", "/media/ann/x"));
+  mounted("loop12", mountOf(11, "/dev/loop12", "/media/ann/x"));
+  EXPECT_EQ(table().find("/Volumes/x")->loop.name, "loop12");
+}
+
+TEST_F(ImageTables, FindAMountedVolumeBeforeAGhostOfItsName) {
+  ghost("loop0", "/dev/loop0p1", "/media/ann/x");
+  EXPECT_EQ(table().find("/Volumes/x")->loop.name, "loop0");
+  mounted("loop12", mountOf(10, "/dev/loop12", "/media/ann/x"));
+  EXPECT_EQ(table().find("/Volumes/x")->loop.name, "loop12");
+}
+
+TEST_F(ImageTables, GiveTheMountsOfAnImageTheLatestFirst) {
+  mounted("loop0", mountOf(10, "/dev/loop0p1", "/one"));
+  mounted("loop12", mountOf(11, "/dev/loop12", "/other"));
+  mounted("loop0", mountOf(12, "/dev/loop0p2", "/two"));
+  const auto mounts = table().mountsOf("loop0");
+  ASSERT_EQ(mounts.size(), 2u);
+  EXPECT_EQ(mounts[0].mount.id, 12);
+  EXPECT_EQ(mounts[1].mount.id, 10);
+}
+
+TEST_F(ImageTables, TellWhatElseIsMountedInsideAVolume) {
+  mounted("loop0", mountOf(10, "/dev/loop0p1", "/one"));
+  mounted("loop0", mountOf(11, "/dev/loop0p2", "/one/two", "/", "ext4", 10));
+  EXPECT_EQ(table().mountInside(table().mountsOf("loop0")), "");
+  mounted("loop12", mountOf(12, "/dev/loop12", "/one/two/b", "/", "ext4", 11));
+  EXPECT_EQ(table().mountInside(table().mountsOf("loop0")), "/one/two/b");
+  EXPECT_EQ(table().mountInside(table().mountsOf("loop12")), "");
+}
+
+TEST_F(ImageTables, MakeAListWithPresentedPlaces) {
+  mounted("loop0", mountOf(10, "/dev/loop0p1", "/media/ann/a \"b\""));
+  mounted("loop12", mountOf(11, "/dev/loop12", "/mnt/\xff"));
+  using Dictionary = PropertyListDictionary;
+  using Array = PropertyListArray;
+  const Array first = {
+      Dictionary{{"dev-entry", "/dev/loop0"}},
+      Dictionary{{"dev-entry", "/dev/loop0p1"}, {"mount-point", "/Volumes/a \"b\""}},
+      Dictionary{{"dev-entry", "/dev/loop0p2"}}};
+  const Array second = {Dictionary{{"dev-entry", "/dev/loop12"}, {"mount-point", "/mnt/\\xff"}}};
+  const Array images = {Dictionary{{"image-path", "/a.img"}, {"system-entities", first}},
+                        Dictionary{{"image-path", "/b.img"}, {"system-entities", second}}};
+  EXPECT_EQ(infoList(table()), PropertyList(Dictionary{{"images", images}}));
+}
+
+TEST_F(ImageTables, AreAnEmptyListWithoutImages) {
+  const ImageTable empty({}, {}, mounts_, {}, {}, "ann");
+  EXPECT_EQ(infoList(empty), PropertyList(PropertyListDictionary{{"images", PropertyListArray()}}));
+  EXPECT_EQ(infoText(empty), "");
+}
+
+TEST_F(ImageTables, AreReadableForPeople) {
+  mounted("loop12", mountOf(11, "/dev/loop12", "/media/ann/b"));
+  EXPECT_EQ(infoText(table()),
+            "image-path: /a.img\n/dev/loop0\n/dev/loop0p1\n/dev/loop0p2\n"
+            "image-path: /b.img\n/dev/loop12\t/Volumes/b\n");
+}
+
+}  // namespace
+
+}  // namespace quillmont

@@ -1,0 +1,102 @@
+#include "platform/linux/tools/hdiutil/KernelImages.h"
+
+#include <libmount.h>  // after sys/mount.h, whose names it uses
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#include <sys/mount.h>
+
+#include <cerrno>
+#include <filesystem>
+
+#include "platform/linux/tools/hdiutil/loop_control.h"
+#include "platform/linux/tools/hdiutil/mount_folders.h"
+#include "platform/posix/errors.h"
+
+namespace quillmont {
+
+namespace {
+
+using MountContext = std::unique_ptr<libmnt_context, void (*)(libmnt_context*)>;
+
+Result<void> mountDevice(const std::string& node, const std::string& type, bool readOnly,
+                         const std::string& place) {
+  const MountContext context(mnt_new_context(), mnt_free_context);
+  if (!context) return Error{errorText(ENOMEM)};
+  mnt_context_set_source(context.get(), node.c_str());
+  mnt_context_set_target(context.get(), place.c_str());
+  mnt_context_set_fstype(context.get(), type.c_str());
+  mnt_context_set_options(context.get(), readOnly ? "nosuid,nodev,ro" : "nosuid,nodev");
+  mnt_context_set_optsmode(context.get(), MNT_OMODE_NOTAB);  // fstab has no say in images
+  mnt_context_disable_canonicalize(context.get(), 1);        // no link leads to another place
+  const int status = mnt_context_mount(context.get());
+  char text[512] = "";
+  if (mnt_context_get_excode(context.get(), status, text, sizeof text) == 0) return {};
+  return Error{"cannot mount " + node + ": " + (*text ? text : "mount failed")};
+}
+
+Result<std::string> folderFor(const ImageVolume& volume, const std::string& place,
+                              const std::vector<std::string>& taken) {
+  const auto media = userMediaFolder();
+  if (!media) return media;
+  const std::filesystem::path wanted = place;
+  if (!place.empty() && wanted.parent_path() == *media) {
+    return makeVolumeFolder(*media, wanted.filename(), taken);
+  }
+  return makeVolumeFolder(*media, volumeFolderName(volume), taken);
+}
+
+}  // namespace
+
+bool KernelImages::carries(const LoopDevice& loop, const ImageFile& image) {
+  Descriptor device = openLoop(loop.name);
+  if (!device || !loopCarries(device, image.status)) return false;
+  open_.insert_or_assign(loop.name, std::move(device));
+  return true;
+}
+
+Result<std::string> KernelImages::setUp(const ImageFile& image) {
+  auto loop = configureLoop(image);
+  if (!loop) return Error{loop.errorText()};
+  open_.insert_or_assign(loop->name, std::move(loop->device));
+  return loop->name;
+}
+
+Result<std::string> KernelImages::mount(const std::string& loopName, const ImageVolume& volume,
+                                        const std::string& place,
+                                        const std::vector<std::string>& taken) {
+  const Descriptor& loop = open_[loopName];
+  if (volume.partition != 0) {
+    if (auto known = ensurePartition(loop, loopName, volume); !known) {
+      return Error{known.errorText()};
+    }
+  }
+  int readOnly = 0;
+  ioctl(loop.get(), BLKROGET, &readOnly);
+  auto folder = folderFor(volume, place, taken);
+  if (!folder) return folder;
+  const std::string node = "/dev/" + deviceName(loopName, volume.partition);
+  if (auto mounted = mountDevice(node, volume.type, readOnly != 0, *folder); !mounted) {
+    removeVolumeFolder(*folder);
+    return Error{mounted.errorText()};
+  }
+  return folder;
+}
+
+UnmountOutcome KernelImages::unmount(const VolumeMount& volume, Unmounting manner) {
+  const std::string& place = volume.mount.mountPoint;
+  const int flags = UMOUNT_NOFOLLOW | (manner == Unmounting::lazily ? MNT_DETACH : 0);
+  if (umount2(place.c_str(), flags) != 0) return {false, errno == EBUSY, errorText(errno)};
+  removeVolumeFolder(place);
+  return {true, false, {}};
+}
+
+void KernelImages::releaseWithLastUnmount(const std::string& loopName) {
+  releaseOnLastClose(open_[loopName]);
+}
+
+void KernelImages::release(const LoopDevice& loop) {
+  open_.erase(loop.name);
+  releaseLoop(loop);
+}
+
+}  // namespace quillmont

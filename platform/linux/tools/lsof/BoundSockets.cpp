@@ -1,0 +1,108 @@
+#include "platform/linux/tools/lsof/BoundSockets.h"
+
+#include <fcntl.h>
+#include <linux/netlink.h>
+#include <linux/rtnetlink.h>
+#include <linux/sock_diag.h>
+#include <linux/unix_diag.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <sys/time.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstring>
+
+#include "platform/posix/Descriptor.h"
+
+namespace quillmont {
+namespace {
+
+bool requestBoundSockets(int netlink) {
+  struct {
+    nlmsghdr header;
+    unix_diag_req request;
+  } message = {};
+  message.header.nlmsg_len = sizeof message;
+  message.header.nlmsg_type = SOCK_DIAG_BY_FAMILY;
+  message.header.nlmsg_flags = NLM_F_REQUEST | NLM_F_DUMP;
+  message.request.sdiag_family = AF_UNIX;
+  message.request.udiag_states = ~0u;
+  message.request.udiag_show = UDIAG_SHOW_VFS;
+  return send(netlink, &message, sizeof message, 0) == static_cast<ssize_t>(sizeof message);
+}
+
+/// Cuts a record off `bytes` that begins with a `Header`, whose first member `length` is, and is
+/// padded to four bytes. False at the end and where the lengths do not fit.
+template <class Header, class Length>
+bool takeRecord(const char*& bytes, std::size_t& size, Header& header, Length Header::*length) {
+  if (size < sizeof header) return false;
+  std::memcpy(&header, bytes, sizeof header);
+  if (header.*length < sizeof header || header.*length > size) return false;
+  const auto padded = std::min<std::size_t>(size, (header.*length + 3u) & ~std::size_t{3});
+  bytes += padded;
+  size -= padded;
+  return true;
+}
+
+bool isBoundOn(const VolumeIdentity& volume, const char* attributes, std::size_t size) {
+  rtattr header;
+  for (const char* record = attributes; takeRecord(attributes, size, header, &rtattr::rta_len);
+       record = attributes) {
+    unix_diag_vfs file;
+    if (header.rta_type != UNIX_DIAG_VFS || header.rta_len < sizeof header + sizeof file) continue;
+    std::memcpy(&file, record + sizeof header, sizeof file);
+    constexpr unsigned kMinorBits = 20;  // of the kernel's own device numbers
+    const auto device =
+        makedev(file.udiag_vfs_dev >> kMinorBits, file.udiag_vfs_dev & ((1u << kMinorBits) - 1));
+    return volume.hasDevice(device);
+  }
+  return false;
+}
+
+/// Adds the sockets that a datagram of the answer tells; false once the answer has ended.
+bool collect(const char* bytes, std::size_t size, const VolumeIdentity& volume,
+             std::vector<std::uint64_t>& inodes) {
+  nlmsghdr header;
+  for (const char* record = bytes; takeRecord(bytes, size, header, &nlmsghdr::nlmsg_len);
+       record = bytes) {
+    if (header.nlmsg_type != SOCK_DIAG_BY_FAMILY) return false;
+    unix_diag_msg socket;
+    constexpr std::size_t kFixed = sizeof header + sizeof socket;
+    if (header.nlmsg_len < kFixed) return false;
+    std::memcpy(&socket, record + sizeof header, sizeof socket);
+    if (isBoundOn(volume, record + kFixed, header.nlmsg_len - kFixed)) {
+      inodes.push_back(socket.udiag_ino);
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
+BoundSockets BoundSockets::onVolume(const VolumeIdentity& volume) {
+  BoundSockets sockets;
+  const Descriptor netlink(socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_SOCK_DIAG));
+  struct statx status = {};
+  if (!netlink || statx(netlink.get(), "", AT_EMPTY_PATH, STATX_INO, &status) != 0) return sockets;
+  sockets.device_ = makedev(status.stx_dev_major, status.stx_dev_minor);
+  constexpr timeval kPatience = {1, 0};
+  setsockopt(netlink.get(), SOL_SOCKET, SO_RCVTIMEO, &kPatience, sizeof kPatience);
+  if (!requestBoundSockets(netlink.get())) return sockets;
+  std::array<char, 32768> answer;
+  for (bool more = true; more;) {
+    const auto count = recv(netlink.get(), answer.data(), answer.size(), 0);
+    more = count > 0 &&
+           collect(answer.data(), static_cast<std::size_t>(count), volume, sockets.inodes_);
+  }
+  std::sort(sockets.inodes_.begin(), sockets.inodes_.end());
+  return sockets;
+}
+
+bool BoundSockets::contains(std::uint64_t device, std::uint64_t inode) const {
+  return device == device_ && std::binary_search(inodes_.begin(), inodes_.end(), inode);
+}
+
+}  // namespace quillmont
