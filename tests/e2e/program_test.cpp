@@ -1,0 +1,322 @@
+// The program from its start to its end, on real disk images.
+
+#include <gmock/gmock.h>
+#include <signal.h>
+
+#include <filesystem>
+
+#include "tests/support/DiskImages.h"
+#include "tests/support/NotificationRecorder.h"
+#include "tests/support/PrivateBus.h"
+#include "tests/support/Session.h"
+
+namespace quillmont::testing {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using ::testing::SizeIs;
+
+constexpr char kSecondInstance[] =
+    "Another instance of Quillmont is already running. Exiting this instance.";
+
+/// How often `text` stands in `output`.
+int countOf(const std::string& text, const std::string& output) {
+  int count = 0;
+  for (auto at = output.find(text); at != output.npos; at = output.find(text, at + 1)) ++count;
+  return count;
+}
+
+class ProgramTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (!PrivateBus::available()) GTEST_SKIP() << "this machine has no message bus daemon";
+    bus = std::make_unique<PrivateBus>();
+    recorder = std::make_unique<NotificationRecorder>(bus->address());
+    session = std::make_unique<Session>(bus->address());
+  }
+
+  void start() { program = session->start(); }
+
+  std::string output() { return program->output(); }
+
+  /// Ends the program in the ordinary way and answers its status.
+  int terminate() {
+    program->signal(SIGTERM);
+    return program->waitForExit(10s);
+  }
+
+  std::unique_ptr<PrivateBus> bus;
+  std::unique_ptr<NotificationRecorder> recorder;
+  std::unique_ptr<Session> session;
+  std::unique_ptr<Program> program;
+};
+
+/// With images that are attached through the tools of the session.
+class ProgramWithImages : public ProgramTest {
+ protected:
+  void SetUp() override {
+    if (const auto reason = DiskImages::whyImpossible(); !reason.empty()) GTEST_SKIP() << reason;
+    ProgramTest::SetUp();
+    if (IsSkipped()) return;
+    images = std::make_unique<DiskImages>(session->environment());
+  }
+
+  std::string make(const std::string& label) { return images->makeExt4(label + ".img", label); }
+
+  /// Attaches an image of the session; the presented mount point.
+  std::string attachImage(const std::string& image, const std::string& label) {
+    const auto outcome = images->attach(image);
+    EXPECT_EQ(outcome.status, 0) << outcome.standardError;
+    return "/Volumes/" + label;
+  }
+
+  std::string attach(const std::string& label) { return attachImage(make(label), label); }
+
+  /// Whether the disk-image tool still lists the volume.
+  bool listed(const std::string& mountPoint) {
+    return images->tool({"info", "-plist"})
+               .standardOutput.find("<string>" + mountPoint + "</string>") != std::string::npos;
+  }
+
+  bool waitUntilIdle(const std::string& mountPoint, std::chrono::milliseconds limit = 7s,
+                     int count = 1) {
+    return program->waitForOutput("Disk image is idle: " + mountPoint + "\n", limit, count);
+  }
+
+  bool waitUntilEjected(const std::string& mountPoint, std::chrono::milliseconds limit = 12s) {
+    return program->waitForOutput(
+        "Successfully ejected and verified detached: " + mountPoint + "\n", limit);
+  }
+
+  std::unique_ptr<DiskImages> images;
+};
+
+TEST_F(ProgramWithImages, ImageAppearsWithinASecondOfItsMount) {
+  start();
+  ASSERT_TRUE(eventually(
+      [&] {
+        return fs::exists(session->folder() +
+                          "/runtime/"
+                          "com.norwaldex.Quillmont");
+      },
+      5s));
+  std::this_thread::sleep_for(500ms);  // the first cycle, and no timer due for four seconds
+  const auto mountPoint = attach("Appears");
+  EXPECT_TRUE(waitUntilIdle(mountPoint, 1s)) << output();
+  EXPECT_EQ(terminate(), 0);
+}
+
+TEST_F(ProgramWithImages, UsedThenIdleThenEjectedVerifiedAndAnnounced) {
+  session->store({{"timeoutSeconds", 2.0}});
+  const auto mountPoint = attach("假日 照片");
+  Program holder({"tail", "-f", DiskImages::realPlace("假日 照片") + "/note.txt"});
+  start();
+  ASSERT_TRUE(program->waitForOutput("Disk image is in use: " + mountPoint + " (tail)\n", 5s))
+      << output();
+  std::this_thread::sleep_for(4s);
+  EXPECT_TRUE(listed(mountPoint)) << "longer than the timeout, but in use";
+  holder.signal(SIGKILL);
+  holder.waitForExit(1s);
+  EXPECT_TRUE(waitUntilIdle(mountPoint)) << output();
+  ASSERT_TRUE(waitUntilEjected(mountPoint)) << output();
+  EXPECT_FALSE(listed(mountPoint));
+  ASSERT_TRUE(recorder->waitForNotifications(1, 3s));
+  const auto shown = recorder->notifications().front();
+  EXPECT_EQ(shown.title, "磁盘已安全推出");
+  EXPECT_EQ(shown.body, "DMG 映像 \"假日 照片\" 因空闲已自动推出。");
+  EXPECT_EQ(terminate(), 0);
+}
+
+TEST_F(ProgramWithImages, ExcludedImageIsLeftAlone) {
+  const auto image = make("Kept");
+  session->store({{"timeoutSeconds", 1.0}, {"excludeList", PropertyListArray{image}}});
+  const auto kept = attachImage(image, "Kept");
+  const auto other = attach("Other");
+  start();
+  EXPECT_TRUE(waitUntilEjected(other)) << output();
+  std::this_thread::sleep_for(6s);
+  EXPECT_TRUE(listed(kept));
+  EXPECT_EQ(terminate(), 0);
+}
+
+TEST_F(ProgramWithImages, NothingIsEjectedWhileSwitchedOff) {
+  session->store({{"timeoutSeconds", 1.0}, {"isEnabled", false}});
+  const auto mountPoint = attach("Off");
+  start();
+  EXPECT_TRUE(waitUntilIdle(mountPoint)) << output();
+  std::this_thread::sleep_for(6s);
+  EXPECT_TRUE(listed(mountPoint));
+  EXPECT_EQ(terminate(), 0);
+}
+
+TEST_F(ProgramWithImages, TwoImagesAreEjectedAtOnce) {
+  session->store({{"timeoutSeconds", 1.0}});
+  const auto one = attach("One");
+  const auto two = attach("Two");
+  start();
+  EXPECT_TRUE(waitUntilEjected(one)) << output();
+  EXPECT_TRUE(waitUntilEjected(two)) << output();
+  EXPECT_TRUE(recorder->waitForNotifications(2, 3s));
+  EXPECT_EQ(terminate(), 0);
+}
+
+TEST_F(ProgramWithImages, ImageDetachedBehindItsBackIsForgottenAndFoundAgain) {
+  const auto image = make("Behind");
+  const auto mountPoint = attachImage(image, "Behind");
+  start();
+  ASSERT_TRUE(waitUntilIdle(mountPoint)) << output();
+  ASSERT_EQ(images->detach(mountPoint).status, 0);
+  std::this_thread::sleep_for(500ms);
+  attachImage(image, "Behind");
+  EXPECT_TRUE(waitUntilIdle(mountPoint, 2s, 2)) << output();
+  EXPECT_THAT(output(), Not(HasSubstr("Error")));
+  EXPECT_EQ(terminate(), 0);
+}
+
+TEST_F(ProgramWithImages, DetachThatFailsIsRetriedAfterEachCycle) {
+  session->store({{"timeoutSeconds", 1.0}});
+  session->replaceTool("hdiutil",
+                       "if [ \"$1\" = detach ] && [ $(wc -l <\"$state/tries\") -lt 2 ]; then\n"
+                       "  echo >>\"$state/tries\"; exit 16\nfi\nexec \"$original\" \"$@\"\n");
+  run({"touch", session->folder() + "/state-hdiutil/tries"});
+  const auto mountPoint = attach("Stubborn");
+  start();
+  EXPECT_TRUE(waitUntilEjected(mountPoint, 25s)) << output();
+  EXPECT_EQ(countOf("Failed to eject: " + mountPoint + ". Code: process termination status 16\n",
+                    output()),
+            2);
+  EXPECT_TRUE(recorder->waitForNotifications(1, 3s));
+  EXPECT_THAT(recorder->notifications(), SizeIs(1));
+  EXPECT_EQ(terminate(), 0);
+}
+
+TEST_F(ProgramWithImages, ToolThatHangsForAWhileIsWaitedFor) {
+  session->store({{"timeoutSeconds", 1.0}});
+  session->replaceTool("hdiutil",
+                       "[ -e \"$state/hung\" ] || { touch \"$state/hung\"; sleep 6; }\n"
+                       "exec \"$original\" \"$@\"\n");
+  const auto mountPoint = attach("Patience");
+  start();
+  EXPECT_TRUE(waitUntilEjected(mountPoint, 20s)) << output();
+  EXPECT_EQ(terminate(), 0);
+}
+
+TEST_F(ProgramWithImages, MegabytesFromTheToolsAreRead) {
+  session->store({{"timeoutSeconds", 1.0}});
+  session->replaceTool(
+      "hdiutil",
+      "\"$original\" \"$@\"; status=$?\n"
+      "[ \"$1\" = info ] && { printf '<!--'; head -c 1048576 /dev/zero | tr '\\0' x;"
+      " printf -- '-->\\n'; }\nhead -c 1048576 /dev/zero >&2\nexit $status\n");
+  session->replaceTool("lsof",
+                       "for n in {1..65536}; do echo n/Volumes/Loud/$n; done\n"
+                       "head -c 1048576 /dev/zero >&2\nexit 1\n");
+  const auto mountPoint = attach("Loud");
+  start();
+  EXPECT_TRUE(waitUntilEjected(mountPoint, 20s));
+  EXPECT_EQ(terminate(), 0);
+}
+
+TEST_F(ProgramTest, MissingToolIsOneLineACycle) {
+  fs::remove(session->tool("hdiutil"));
+  start();
+  EXPECT_TRUE(
+      program->waitForOutput("Error scanning mounted images: No such file or directory\n", 12s, 2))
+      << output();
+  EXPECT_EQ(terminate(), 0);
+}
+
+TEST_F(ProgramTest, GarbageFromTheToolIsOneLineACycle) {
+  session->replaceTool("hdiutil", "echo garbage\n");
+  start();
+  EXPECT_TRUE(program->waitForOutput("Error scanning mounted images: ", 12s, 2)) << output();
+  EXPECT_EQ(terminate(), 0);
+}
+
+TEST_F(ProgramTest, SecondInstanceLeavesWithItsOneLogLine) {
+  start();
+  ASSERT_TRUE(eventually(
+      [&] {
+        return fs::exists(session->folder() + "/runtime/com.norwaldex.Quillmont/" +
+                          std::to_string(program->pid()));
+      },
+      5s));
+  const auto second = session->start();
+  EXPECT_EQ(second->waitForExit(5s), 0);
+  const auto lines = second->output();
+  EXPECT_THAT(lines, HasSubstr(kSecondInstance));
+  EXPECT_EQ(countOf("\n", lines), 1) << lines;
+  EXPECT_TRUE(program->running());
+  EXPECT_EQ(terminate(), 0);
+  EXPECT_THAT(output(), IsEmpty());
+}
+
+TEST_F(ProgramTest, StartAfterKilledInstanceFindsTheWayFree) {
+  start();
+  ASSERT_TRUE(eventually(
+      [&] {
+        return fs::exists(session->folder() +
+                          "/runtime/"
+                          "com.norwaldex.Quillmont/bin");
+      },
+      5s));
+  program->signal(SIGKILL);
+  program->waitForExit(5s);
+  start();
+  std::this_thread::sleep_for(500ms);
+  EXPECT_TRUE(program->running()) << output();
+  EXPECT_EQ(terminate(), 0);
+}
+
+TEST_F(ProgramTest, StartAloneWritesNoSettings) {
+  start();
+  std::this_thread::sleep_for(500ms);
+  EXPECT_EQ(terminate(), 0);
+  EXPECT_FALSE(fs::exists(session->settingsFile()));
+  EXPECT_FALSE(fs::exists(session->agentFile()));
+}
+
+TEST_F(ProgramWithImages, TerminationWaitsForAnEjectionInProgress) {
+  session->store({{"timeoutSeconds", 1.0}});
+  session->replaceTool("hdiutil",
+                       "[ \"$1\" = detach ] && { touch \"$state/detaching\"; sleep 1; }\n"
+                       "exec \"$original\" \"$@\"\n");
+  const auto mountPoint = attach("Last");
+  start();
+  ASSERT_TRUE(
+      eventually([&] { return fs::exists(session->folder() + "/state-hdiutil/detaching"); }, 10s));
+  EXPECT_EQ(terminate(), 0);
+  EXPECT_THAT(output(), HasSubstr("Successfully ejected and verified detached: " + mountPoint));
+  EXPECT_FALSE(listed(mountPoint));
+}
+
+TEST_F(ProgramTest, DeletedProgramTakesItsLoginItemAndSettingsAlongAndEnds) {
+  session->store({{"launchAtLogin", true}});
+  const auto agent = PropertyListDictionary{
+      {"Label", "com.norwaldex.quillmont"},
+      {"ProgramArguments", PropertyListArray{session->bundle() + "/Contents/MacOS/Quillmont"}},
+      {"RunAtLoad", true},
+      {"KeepAlive", false}};
+  session->writeAgent(agent);
+  ASSERT_EQ(run({session->tool("launchctl"), "load", session->agentFile()}, session->environment())
+                .status,
+            0);
+  ASSERT_TRUE(fs::exists(session->loginItem()));
+  start();
+  std::this_thread::sleep_for(500ms);
+  ASSERT_TRUE(program->running()) << output();
+  fs::remove_all(session->bundle());
+  EXPECT_EQ(program->waitForExit(10s), 0);
+  EXPECT_THAT(output(), HasSubstr("Quillmont has been moved to Trash or deleted (isTrash: false, "
+                                  "exists: false). Cleaning up LaunchAgent and exiting...\n"));
+  EXPECT_FALSE(fs::exists(session->loginItem()));
+  EXPECT_FALSE(fs::exists(session->agentFile()));
+  EXPECT_FALSE(fs::exists(session->settingsFile()));
+}
+
+}  // namespace
+}  // namespace quillmont::testing

@@ -1,0 +1,79 @@
+#include "tests/support/Session.h"
+
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "platform/linux/XmlPropertyLists.h"
+
+namespace quillmont::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+void writeText(const std::string& path, const std::string& text) {
+  fs::create_directories(fs::path(path).parent_path());
+  std::ofstream(path, std::ios::binary) << text;
+}
+
+}  // namespace
+
+Session::Session(const std::string& bus) : bundle_(folder_.path() + "/Quillmont") {
+  const auto home = folder_.path() + "/home";
+  const auto runtime = folder_.path() + "/runtime";
+  fs::create_directories(home);
+  fs::create_directories(runtime);
+  chmod(runtime.c_str(), 0700);
+  fs::copy(QUILLMONT_BUNDLE, bundle_, fs::copy_options::recursive);
+  environment_ = environmentWith({{"HOME", home},
+                                  {"XDG_RUNTIME_DIR", runtime},
+                                  {"XDG_CONFIG_HOME", home + "/.config"},
+                                  {"XDG_DATA_HOME", home + "/.local/share"},
+                                  {"DBUS_SESSION_BUS_ADDRESS", bus},
+                                  {"DISPLAY", ""},
+                                  {"WAYLAND_DISPLAY", ""}});
+}
+
+std::string Session::settingsFile() const {
+  return folder() + "/home/.config/quillmont/com.norwaldex.Quillmont.plist";
+}
+
+std::string Session::agentFile() const {
+  return folder() +
+         "/home/.local/share/quillmont/Library/LaunchAgents/com.norwaldex.quillmont.plist";
+}
+
+std::string Session::loginItem() const {
+  return folder() + "/home/.config/autostart/com.norwaldex.quillmont.desktop";
+}
+
+void Session::store(const PropertyListDictionary& settings) const {
+  PropertyListDictionary named;
+  for (const auto& [key, value] : settings) {
+    named.emplace_back("com.norwaldex.quillmont." + key, value);
+  }
+  writeText(settingsFile(), *XmlPropertyLists().xml(named));
+}
+
+void Session::writeAgent(const PropertyList& agent) const {
+  writeText(agentFile(), *XmlPropertyLists().xml(agent));
+}
+
+void Session::replaceTool(const std::string& name, const std::string& script) const {
+  const auto original = folder() + "/original-" + name;
+  const auto state = folder() + "/state-" + name;
+  if (!fs::exists(original)) fs::copy_file(tool(name), original);
+  fs::create_directories(state);
+  fs::remove(tool(name));
+  writeText(tool(name),
+            "#!/bin/bash\noriginal='" + original + "'\nstate='" + state + "'\n" + script);
+  chmod(tool(name).c_str(), 0755);
+}
+
+std::unique_ptr<Program> Session::start() const {
+  return std::make_unique<Program>(std::vector<std::string>{bundle_ + "/Contents/MacOS/Quillmont"},
+                                   environment_);
+}
+
+}  // namespace quillmont::testing
