@@ -63,13 +63,16 @@ private_session() {
   running+=($!)
 }
 
+# Images that are attached already are somebody's own: the demo leaves them alone.
 settings() {
   mkdir -p "$XDG_CONFIG_HOME/quillmont"
   cat >"$XDG_CONFIG_HOME/quillmont/com.norwaldex.Quillmont.plist" <<PLIST
 <?xml version="1.0" encoding="UTF-8"?>
 <plist version="1.0"><dict>
 <key>com.norwaldex.quillmont.timeoutSeconds</key><real>$timeout_seconds</real>
-</dict></plist>
+<key>com.norwaldex.quillmont.excludeList</key><array>
+$("$hdiutil" info -plist | grep -A 1 "<key>image-path</key>" | grep "<string>" || true)
+</array></dict></plist>
 PLIST
 }
 

@@ -4,41 +4,10 @@
 #include <cstddef>
 #include <unordered_set>
 
+#include "platform/utf8.h"
+
 namespace quillmont {
 namespace {
-
-/// Length of the well-formed UTF-8 character at the start of `text`, or 0. No overlong forms, no
-/// surrogates, nothing above U+10FFFF.
-std::size_t characterLength(std::string_view text) {
-  const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(text[at]); };
-  const auto follows = [&](std::size_t at, unsigned low, unsigned high) {
-    return at < text.size() && byte(at) >= low && byte(at) <= high;
-  };
-  const auto tail = [&](std::size_t at) { return follows(at, 0x80, 0xBF); };
-  const unsigned first = byte(0);
-  if (first < 0x80) return 1;
-  if (first >= 0xC2 && first <= 0xDF) return tail(1) ? 2 : 0;
-  if (first >= 0xE0 && first <= 0xEF) {
-    const unsigned low = first == 0xE0 ? 0xA0 : 0x80;
-    const unsigned high = first == 0xED ? 0x9F : 0xBF;
-    return follows(1, low, high) && tail(2) ? 3 : 0;
-  }
-  if (first >= 0xF0 && first <= 0xF4) {
-    const unsigned low = first == 0xF0 ? 0x90 : 0x80;
-    const unsigned high = first == 0xF4 ? 0x8F : 0xBF;
-    return follows(1, low, high) && tail(2) && tail(3) ? 4 : 0;
-  }
-  return 0;
-}
-
-bool isValidUtf8(std::string_view text) {
-  while (!text.empty()) {
-    const auto length = characterLength(text);
-    if (length == 0) return false;
-    text.remove_prefix(length);
-  }
-  return true;
-}
 
 /// Length of the newline character that begins at `at`, or 0: line feed, vertical tab, form feed,
 /// carriage return, next line (U+0085), line and paragraph separator (U+2028, U+2029).

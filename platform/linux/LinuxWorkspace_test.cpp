@@ -12,6 +12,7 @@
 
 #include "platform/Host.h"
 #include "platform/linux/user_folders.h"
+#include "tests/support/FakeSystem.h"
 #include "tests/support/Program.h"
 #include "tests/support/forked.h"
 
@@ -23,11 +24,6 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-struct RecordingLog : Log {
-  std::vector<std::string> lines;
-  void write(std::string_view line) override { lines.emplace_back(line); }
-};
-
 Mount mountAt(const std::string& mountPoint, int id = 1) {
   Mount result;
   result.id = id;
@@ -38,7 +34,7 @@ Mount mountAt(const std::string& mountPoint, int id = 1) {
 
 struct WorkspaceParts {
   EventLoop loop;
-  RecordingLog log;
+  testing::RecordingLog log;
   int alone = 0;
   LinuxWorkspace workspace{loop, log, [this] { ++alone; }};
 };

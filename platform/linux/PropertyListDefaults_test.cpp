@@ -20,6 +20,7 @@
 #include "platform/linux/XmlPropertyLists.h"
 #include "platform/posix/files.h"
 #include "tests/support/Program.h"
+#include "tests/support/SharedLog.h"
 
 namespace quillmont {
 namespace {
@@ -34,22 +35,6 @@ using ::testing::StartsWith;
 
 const XmlPropertyLists kLists;
 constexpr char kDomain[] = "com.example.Test";
-
-class RecordingLog : public Log {
- public:
-  void write(std::string_view line) override {
-    const std::lock_guard guard(lock_);
-    lines_.emplace_back(line);
-  }
-  std::vector<std::string> lines() const {
-    const std::lock_guard guard(lock_);
-    return lines_;
-  }
-
- private:
-  mutable std::mutex lock_;
-  std::vector<std::string> lines_;
-};
 
 std::vector<std::string> namesIn(const std::string& folder) {
   std::vector<std::string> names;
@@ -105,7 +90,7 @@ class PropertyListDefaultsTest : public ::testing::Test {
     return names;
   }
 
-  RecordingLog log_;
+  testing::SharedLog log_;
   testing::TemporaryFolder home_;
 };
 

@@ -13,6 +13,7 @@
 #include <fstream>
 #include <functional>
 
+#include "tests/support/FakeSystem.h"
 #include "tests/support/Program.h"
 
 namespace quillmont {
@@ -22,11 +23,6 @@ namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
-
-struct RecordingLog : Log {
-  std::vector<std::string> lines;
-  void write(std::string_view line) override { lines.emplace_back(line); }
-};
 
 /// A child that does something, tells one character, and stays until it is killed.
 struct Child {
@@ -60,7 +56,7 @@ struct RunningInstances : ::testing::Test {
   testing::TemporaryFolder temporary;
   const std::string folder = temporary.path();
   Descriptor registration;
-  RecordingLog log;
+  testing::RecordingLog log;
 
   std::vector<std::int32_t> look() {
     return runningInstances(folder, registration, log, std::chrono::milliseconds(20));

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+
+#include "platform/linux/xml_text.h"
 
 namespace quillmont {
 
@@ -17,23 +20,12 @@ std::string_view nameBelow(const std::string& root, std::string_view mountPoint)
   return mountPoint.starts_with(root) ? mountPoint.substr(root.size()) : std::string_view();
 }
 
-/// How many bytes the character at the front of `bytes` takes if it is one that an XML text can
-/// carry unchanged, else 0. A carriage return would come back as a line feed.
+/// How many bytes the character at the front of `bytes` takes if a property list carries it
+/// unchanged, else 0. XML has no control characters but a few, and of these a carriage return would
+/// come back as a line feed.
 std::size_t carriedCharacter(std::string_view bytes) {
-  const auto byte = [bytes](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
-  const unsigned first = byte(0);
-  if (first < 0x80) return (first >= 0x20 && first != 0x7f) || first == '\t' || first == '\n';
-  const std::size_t length = first >= 0xf0 ? 4 : first >= 0xe0 ? 3 : 2;
-  if (first < 0xc2 || first > 0xf4 || bytes.size() < length) return 0;
-  unsigned point = first & (0x7fu >> length);
-  for (std::size_t i = 1; i < length; ++i) {
-    if ((byte(i) & 0xc0u) != 0x80) return 0;
-    point = point << 6 | (byte(i) & 0x3fu);
-  }
-  constexpr std::array<unsigned, 5> smallest = {0, 0, 0x80, 0x800, 0x10000};
-  const bool surrogate = point >= 0xd800 && point <= 0xdfff;
-  const bool noCharacter = point == 0xfffe || point == 0xffff || point > 0x10ffff;
-  return point < smallest[length] || surrogate || noCharacter ? 0 : length;
+  const bool lost = bytes.starts_with('\r') || bytes.starts_with('\x7f');
+  return lost ? 0 : xmlCharacterLength(bytes);
 }
 
 bool contains(const std::vector<std::string>& list, const std::string& text) {

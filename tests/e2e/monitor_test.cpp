@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <mutex>
 #include <utility>
 
 #include "platform/linux/EventLoop.h"
@@ -21,6 +20,7 @@
 #include "platform/posix/PosixProcessLauncher.h"
 #include "tests/support/DiskImages.h"
 #include "tests/support/Session.h"
+#include "tests/support/SharedLog.h"
 #include "tests/support/TestHost.h"
 
 namespace quillmont::testing {
@@ -32,23 +32,6 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-/// Any thread.
-class SharedLog : public Log {
- public:
-  void write(std::string_view line) override {
-    const std::lock_guard guard(lock_);
-    lines_.emplace_back(line);
-  }
-  std::vector<std::string> lines() const {
-    const std::lock_guard guard(lock_);
-    return lines_;
-  }
-
- private:
-  mutable std::mutex lock_;
-  std::vector<std::string> lines_;
-};
-
 class MonitorOnRealImages : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -57,6 +40,7 @@ class MonitorOnRealImages : public ::testing::Test {
     for (const auto& [name, value] : session->environment()) setenv(name.c_str(), value.c_str(), 1);
     images = std::make_unique<DiskImages>(session->environment());
     parts = std::make_unique<Parts>(*session);
+    config().setExcludeList(session->foreignImages());
   }
 
   /// A cycle under way, and its result on the way to the main thread, hold the monitor: what it

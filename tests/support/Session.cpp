@@ -4,13 +4,17 @@
 
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 #include "platform/linux/XmlPropertyLists.h"
+#include "platform/linux/loop_devices.h"
 
 namespace quillmont::testing {
 namespace {
 
 namespace fs = std::filesystem;
+
+constexpr char kKeyPrefix[] = "com.norwaldex.quillmont.";
 
 void writeText(const std::string& path, const std::string& text) {
   fs::create_directories(fs::path(path).parent_path());
@@ -20,6 +24,7 @@ void writeText(const std::string& path, const std::string& text) {
 }  // namespace
 
 Session::Session(const std::string& bus) : bundle_(folder_.path() + "/Quillmont") {
+  for (const auto& loop : attachedLoopDevices()) foreignImages_.push_back(loop.backingFile);
   const auto home = folder_.path() + "/home";
   const auto runtime = folder_.path() + "/runtime";
   fs::create_directories(home);
@@ -48,11 +53,17 @@ std::string Session::loginItem() const {
   return folder() + "/home/.config/autostart/com.norwaldex.quillmont.desktop";
 }
 
-void Session::store(const PropertyListDictionary& settings) const {
+void Session::store(PropertyListDictionary settings) const {
+  PropertyListArray excluded(foreignImages_.begin(), foreignImages_.end());
   PropertyListDictionary named;
-  for (const auto& [key, value] : settings) {
-    named.emplace_back("com.norwaldex.quillmont." + key, value);
+  for (auto& [key, value] : settings) {
+    if (key != "excludeList") {
+      named.emplace_back(kKeyPrefix + key, std::move(value));
+    } else if (const auto* own = value.array()) {
+      excluded.insert(excluded.end(), own->begin(), own->end());
+    }
   }
+  named.emplace_back(kKeyPrefix + std::string("excludeList"), std::move(excluded));
   writeText(settingsFile(), *XmlPropertyLists().xml(named));
 }
 

@@ -24,8 +24,12 @@ class Session {
   std::string agentFile() const;
   std::string loginItem() const;
 
-  /// Writes the settings that the program will find at its start. Keys without their prefix.
-  void store(const PropertyListDictionary& settings) const;
+  /// Writes the settings that the program will find at its start. Keys without their prefix. Images
+  /// that were attached before the session are excluded in any case: they are somebody's own.
+  void store(PropertyListDictionary settings) const;
+
+  /// Paths of the images that were attached when the session was made.
+  const std::vector<std::string>& foreignImages() const { return foreignImages_; }
 
   /// Puts a launch agent's file where the program keeps it.
   void writeAgent(const PropertyList& agent) const;
@@ -40,6 +44,7 @@ class Session {
  private:
   TemporaryFolder folder_;
   std::string bundle_;
+  std::vector<std::string> foreignImages_;
   Environment environment_;
 };
 

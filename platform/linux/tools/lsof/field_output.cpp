@@ -1,38 +1,15 @@
 #include "platform/linux/tools/lsof/field_output.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
+
+#include "platform/utf8.h"
 
 namespace quillmont {
 namespace {
 
-/// A character of a name: its length in bytes and its code point; of length 0 if the bytes are no
-/// valid UTF-8.
-struct Character {
-  std::size_t length = 0;
-  unsigned point = 0;
-};
-
-Character firstCharacter(std::string_view bytes) {
-  constexpr std::array<unsigned, 5> kSmallest = {0, 0, 0x80, 0x800, 0x10000};
-  const auto byte = [bytes](std::size_t at) { return static_cast<unsigned char>(bytes[at]); };
-  const unsigned first = byte(0);
-  if (first < 0x80) return {1, first};
-  const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
-  if (first < 0xC2 || first > 0xF4 || bytes.size() < length) return {};
-  unsigned point = first & (0x7Fu >> length);
-  for (std::size_t at = 1; at < length; ++at) {
-    if ((byte(at) & 0xC0u) != 0x80) return {};
-    point = point << 6 | (byte(at) & 0x3Fu);
-  }
-  const bool surrogate = point >= 0xD800 && point <= 0xDFFF;
-  if (point < kSmallest[length] || point > 0x10FFFF || surrogate) return {};
-  return {length, point};
-}
-
 /// Beyond ASCII: control characters, line and paragraph separator.
-bool isUnprintable(unsigned point) {
+bool isUnprintable(char32_t point) {
   return (point >= 0x7F && point < 0xA0) || point == 0x2028 || point == 0x2029;
 }
 
@@ -57,7 +34,7 @@ void appendControl(std::string& output, char control) {
 
 void appendValue(std::string& output, std::string_view name) {
   while (!name.empty()) {
-    const auto character = firstCharacter(name);
+    const auto character = firstUtf8Character(name);
     const auto bytes = name.substr(0, std::max<std::size_t>(character.length, 1));
     name.remove_prefix(bytes.size());
     if (character.length == 0 || isUnprintable(character.point)) {
