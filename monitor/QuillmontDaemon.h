@@ -69,7 +69,8 @@ class QuillmontDaemon : public ObservableObject,
   virtual void start();
 
   /// Stops both timers. Cycles that are queued already still run, and volume events still queue
-  /// new ones. Main thread.
+  /// new ones. Main thread. Due before the last owner lets go: the monitor may then be destroyed
+  /// on its own queue, where a running timer must not be touched.
   virtual void stop();
 
  protected:

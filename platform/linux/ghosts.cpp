@@ -17,7 +17,6 @@
 #include "platform/posix/files.h"
 
 namespace quillmont {
-
 namespace {
 
 // A record is a list of key=value entries, each ended by a NUL: the one byte that no path holds.

@@ -14,7 +14,6 @@
 #include "tests/support/Program.h"
 
 namespace quillmont {
-
 namespace {
 
 using ::testing::ElementsAre;
@@ -192,5 +191,4 @@ TEST_F(Ghosts, OtherFilesInTheFolderAreLeftAlone) {
 }
 
 }  // namespace
-
 }  // namespace quillmont

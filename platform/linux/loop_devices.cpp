@@ -12,7 +12,6 @@
 #include "platform/posix/files.h"
 
 namespace quillmont {
-
 namespace {
 
 template <class Number>

@@ -9,7 +9,6 @@
 #include "tests/support/Program.h"
 
 namespace quillmont {
-
 namespace {
 
 using ::testing::ElementsAre;
@@ -98,5 +97,4 @@ TEST_F(LoopDevices, AreNoneWithoutTheFolder) {
 }
 
 }  // namespace
-
 }  // namespace quillmont

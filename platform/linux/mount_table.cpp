@@ -6,7 +6,6 @@
 #include "platform/posix/files.h"
 
 namespace quillmont {
-
 namespace {
 
 using Fields = std::vector<std::string_view>;

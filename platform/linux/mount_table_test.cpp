@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 namespace quillmont {
-
 namespace {
 
 using ::testing::ElementsAre;
@@ -95,5 +94,4 @@ TEST(MountTable, TheSystemsOwnTableHasARoot) {
 }
 
 }  // namespace
-
 }  // namespace quillmont

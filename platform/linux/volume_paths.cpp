@@ -7,7 +7,6 @@
 #include "platform/linux/xml_text.h"
 
 namespace quillmont {
-
 namespace {
 
 /// In the order of preference.

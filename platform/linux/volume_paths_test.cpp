@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 namespace quillmont {
-
 namespace {
 
 using MountPoints = std::vector<std::string>;
@@ -84,5 +83,4 @@ TEST(VolumePaths, ACarriageReturnIsSpelled) {
 }
 
 }  // namespace
-
 }  // namespace quillmont

@@ -1,4 +1,5 @@
 // The disk-image tool detaches images, used and unused ones, and loses nobody's data.
+
 #include <fcntl.h>
 #include <sys/mount.h>
 
@@ -8,7 +9,6 @@
 #include "tests/e2e/DiskImageToolTest.h"
 
 namespace quillmont {
-
 namespace {
 
 using namespace std::chrono_literals;
@@ -171,5 +171,4 @@ TEST_F(DiskImageDetach, DetachingSomethingUnknownFails) {
   }
 }
 }  // namespace
-
 }  // namespace quillmont

@@ -1,7 +1,9 @@
 // The disk-image tool attaches real image files to real loop devices, and lists them.
+
 #include <fcntl.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <fstream>
@@ -10,7 +12,6 @@
 #include "tests/e2e/DiskImageToolTest.h"
 
 namespace quillmont {
-
 namespace {
 
 using namespace std::chrono_literals;
@@ -25,6 +26,21 @@ using DiskImageTool = testing::DiskImageToolTest;
 
 TEST_F(DiskImageTool, AttachesAndDetachesExt4) {
   comesAndGoes(images_.makeExt4("a.img", "Quill One"), "Quill One");
+}
+
+TEST_F(DiskImageTool, DeviceNodeTellsSinceWhenTheImageIsThere) {
+  const auto image = images_.makeExt4("a.img", "Quill One");
+  for (int round = 0; round < 2; ++round) {
+    const auto before = time(nullptr);
+    attach(image);
+    const auto node = "/dev/" + DiskImages::loopsOf(image).at(0);
+    struct stat status = {};
+    ASSERT_EQ(stat(node.c_str(), &status), 0);
+    EXPECT_GE(status.st_mtim.tv_sec, before);
+    detach("/Volumes/Quill One");
+    const timespec longAgo[2] = {{1'000'000'000, 0}, {1'000'000'000, 0}};
+    ASSERT_EQ(utimensat(AT_FDCWD, node.c_str(), longAgo, 0), 0);
+  }
 }
 
 TEST_F(DiskImageTool, AttachesAndDetachesSquashfs) {
@@ -272,5 +288,4 @@ TEST(DiskImageToolArguments, WrongOnesGetTheUsage) {
 }
 
 }  // namespace
-
 }  // namespace quillmont

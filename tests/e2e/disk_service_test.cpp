@@ -1,5 +1,6 @@
 // The disk-image tool in the hands of an ordinary user, with the desktop's real disk service on a
 // bus of the test's own.
+
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,7 +16,6 @@
 #include "tests/support/DiskImages.h"
 
 namespace quillmont {
-
 namespace {
 
 using namespace std::chrono_literals;
@@ -259,5 +259,4 @@ TEST(DiskServiceMissing, WithoutASystemBusAttachingAndDetachingFailWithAReason) 
 }
 
 }  // namespace
-
 }  // namespace quillmont

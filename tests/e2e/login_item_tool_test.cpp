@@ -1,4 +1,5 @@
 // The service manager tool, driven by the command lines of the settings.
+
 #include <gtest/gtest.h>
 #include <unistd.h>
 

@@ -40,13 +40,13 @@ class MonitorOnRealImages : public ::testing::Test {
     for (const auto& [name, value] : session->environment()) setenv(name.c_str(), value.c_str(), 1);
     images = std::make_unique<DiskImages>(session->environment());
     parts = std::make_unique<Parts>(*session);
-    config().setExcludeList(session->foreignImages());
   }
 
   /// A cycle under way, and its result on the way to the main thread, hold the monitor: what it
   /// stands on must not go before it.
   void TearDown() override {
     if (!parts) return;
+    parts->monitor->stop();
     const std::weak_ptr<OpenMonitor> weak = std::exchange(parts->monitor, nullptr);
     EXPECT_TRUE(serveUntil([&] { return weak.expired(); }, 20s));
   }
@@ -60,6 +60,8 @@ class MonitorOnRealImages : public ::testing::Test {
           files({session.folder() + "/Library"}),
           defaults(session.folder() + "/settings", kBundleIdentifier, propertyLists, log) {
       bundle.bundlePath = session.bundle();
+      config.setExcludeList(session.foreignImages());
+      monitor = QuillmontDaemon::make<OpenMonitor>(host(), config);
     }
 
     Host host() {
@@ -92,7 +94,7 @@ class MonitorOnRealImages : public ::testing::Test {
     LinuxWorkspace workspace{loop, log, [] {}};
     FakeApplication application;
     ConfigManager config{host()};
-    std::shared_ptr<OpenMonitor> monitor = QuillmontDaemon::make<OpenMonitor>(host(), config);
+    std::shared_ptr<OpenMonitor> monitor;
   };
 
   OpenMonitor& monitor() { return *parts->monitor; }

@@ -1,4 +1,5 @@
 // The script runner, on a bus of the test's own.
+
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/un.h>

@@ -1,4 +1,5 @@
 // Names as the open-files tool spells them, and mounts of every kind around the volume.
+
 #include <sys/mman.h>
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // Whatever way a process uses a volume, the open-files tool names it, as the real lsof does.
+
 #include <sys/mman.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>

@@ -18,7 +18,6 @@
 #include "platform/posix/Descriptor.h"
 
 namespace quillmont::testing {
-
 namespace {
 
 constexpr std::chrono::seconds kReleaseLimit(5);

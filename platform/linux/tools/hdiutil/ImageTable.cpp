@@ -8,7 +8,6 @@
 #include "platform/linux/volume_paths.h"
 
 namespace quillmont {
-
 namespace {
 
 /// A bind mount of a folder is no volume. On btrfs every subvolume has a root of its own.

@@ -6,7 +6,6 @@
 #include "platform/linux/tools/hdiutil/info.h"
 
 namespace quillmont {
-
 namespace {
 
 using ::testing::ElementsAre;
@@ -173,5 +172,4 @@ TEST_F(ImageTables, AreReadableForPeople) {
 }
 
 }  // namespace
-
 }  // namespace quillmont

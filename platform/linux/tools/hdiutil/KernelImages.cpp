@@ -1,9 +1,11 @@
 #include "platform/linux/tools/hdiutil/KernelImages.h"
 
+#include <fcntl.h>
 #include <libmount.h>  // after sys/mount.h, whose names it uses
 #include <linux/fs.h>
 #include <sys/ioctl.h>
 #include <sys/mount.h>
+#include <sys/stat.h>
 
 #include <cerrno>
 #include <filesystem>
@@ -13,7 +15,6 @@
 #include "platform/posix/errors.h"
 
 namespace quillmont {
-
 namespace {
 
 using MountContext = std::unique_ptr<libmnt_context, void (*)(libmnt_context*)>;
@@ -32,6 +33,12 @@ Result<void> mountDevice(const std::string& node, const std::string& type, bool 
   char text[512] = "";
   if (mnt_context_get_excode(context.get(), status, text, sizeof text) == 0) return {};
   return Error{"cannot mount " + node + ": " + (*text ? text : "mount failed")};
+}
+
+/// A node's time stamp says since when its image is there. udev renews it at an attachment; without
+/// udev it would tell of the machine's start, and a new image would pass for long idle.
+void renewTimeStamp(const std::string& node) {
+  utimensat(AT_FDCWD, node.c_str(), nullptr, AT_SYMLINK_NOFOLLOW);
 }
 
 Result<std::string> folderFor(const ImageVolume& volume, const std::string& place,
@@ -79,6 +86,7 @@ Result<std::string> KernelImages::mount(const std::string& loopName, const Image
     removeVolumeFolder(*folder);
     return Error{mounted.errorText()};
   }
+  renewTimeStamp(node);
   return folder;
 }
 

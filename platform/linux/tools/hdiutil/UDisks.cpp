@@ -7,7 +7,6 @@
 #include "platform/posix/errors.h"
 
 namespace quillmont {
-
 namespace {
 
 constexpr char kService[] = "org.freedesktop.UDisks2";

@@ -9,7 +9,6 @@
 #include "platform/linux/tools/hdiutil/loop_control.h"
 
 namespace quillmont {
-
 namespace {
 
 using namespace std::chrono_literals;

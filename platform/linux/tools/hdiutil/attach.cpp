@@ -3,7 +3,6 @@
 #include <algorithm>
 
 namespace quillmont {
-
 namespace {
 
 std::string placeOf(const std::vector<Ghost>& ghosts, const std::string& node) {

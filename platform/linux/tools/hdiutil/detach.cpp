@@ -15,7 +15,6 @@
 #include "platform/posix/errors.h"
 
 namespace quillmont {
-
 namespace {
 
 constexpr std::chrono::seconds kReleaseLimit(2);

@@ -9,7 +9,6 @@
 #include <map>
 
 namespace quillmont {
-
 namespace {
 
 namespace fs = std::filesystem;

@@ -9,7 +9,6 @@
 #include "tests/support/Program.h"
 
 namespace quillmont {
-
 namespace {
 
 using ::testing::ElementsAre;
@@ -89,5 +88,4 @@ TEST_F(ImageDevices, PartitionZeroIsTheWholeDevice) {
 }
 
 }  // namespace
-
 }  // namespace quillmont

@@ -16,7 +16,6 @@
 #include "platform/posix/errors.h"
 
 namespace quillmont {
-
 namespace {
 
 Descriptor openNode(const std::string& name, int mode) {

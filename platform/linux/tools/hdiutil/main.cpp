@@ -15,7 +15,6 @@
 #include "platform/posix/files.h"
 
 namespace quillmont {
-
 namespace {
 
 constexpr int kFailure = 1;

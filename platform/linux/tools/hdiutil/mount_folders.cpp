@@ -13,7 +13,6 @@
 #include "platform/posix/errors.h"
 
 namespace quillmont {
-
 namespace {
 
 constexpr int kMostOfOneName = 1000;

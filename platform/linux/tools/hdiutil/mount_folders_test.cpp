@@ -8,7 +8,6 @@
 #include "tests/support/Program.h"
 
 namespace quillmont {
-
 namespace {
 
 namespace fs = std::filesystem;
@@ -84,5 +83,4 @@ TEST_F(VolumeFolder, OutsideTheMediaFoldersIsNeverRemoved) {
 }
 
 }  // namespace
-
 }  // namespace quillmont

@@ -7,7 +7,6 @@
 #include <optional>
 
 namespace quillmont {
-
 namespace {
 
 using Probe = std::unique_ptr<blkid_struct_probe, void (*)(blkid_probe)>;

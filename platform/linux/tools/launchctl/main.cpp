@@ -1,4 +1,5 @@
 // The service manager tool: what is to start at login.
+
 #include <unistd.h>
 
 #include <iostream>

@@ -1,4 +1,5 @@
 // The open-files tool: which processes use a volume.
+
 #include <unistd.h>
 
 #include <iostream>

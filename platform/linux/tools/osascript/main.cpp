@@ -1,4 +1,5 @@
 // The script runner: shows a notification.
+
 #include <chrono>
 #include <iostream>
 #include <string_view>
