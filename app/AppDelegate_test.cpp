@@ -10,7 +10,6 @@ namespace {
 using ::testing::ElementsAre;
 using testing::FakeDiskImages;
 using ::testing::IsEmpty;
-using testing::OpenMonitor;
 using testing::TestHost;
 
 constexpr std::int32_t kOwnPid = 999;
@@ -67,14 +66,26 @@ TEST_F(Launch, AnotherInstanceEndsThisOneWithOneLogLine) {
   EXPECT_EQ(system.application.terminations, 1);
   EXPECT_THAT(story, ElementsAre("settings", "monitor"))
       << "made only by the termination handler, which asks for the monitor";
-  EXPECT_EQ(system.runLoop.scheduledTimers(), 0u) << "started, and stopped again";
+  EXPECT_EQ(system.queues.pendingTasks(), 1u) << "started ...";
+  EXPECT_EQ(system.runLoop.scheduledTimers(), 0u) << "... and stopped again";
   EXPECT_THAT(system.clock.sleeps, IsEmpty());
 }
 
-TEST_F(Launch, OtherInstanceIsFoundByIdentifierNotByPosition) {
-  system.workspace.running = {42, kOwnPid};
+TEST_F(Launch, LeavingInstanceBringsNothingUpByItself) {
+  system.application.setDelegate(nullptr);
+  system.workspace.running = {kOwnPid, 42};
   delegate.applicationDidFinishLaunching();
   EXPECT_EQ(system.application.terminations, 1);
+  EXPECT_THAT(story, IsEmpty());
+}
+
+TEST_F(Launch, OtherInstanceIsFoundByIdentifierNotByPosition) {
+  for (const std::int32_t other : {42, 1042}) {
+    system.application.terminations = 0;
+    system.workspace.running = {other, kOwnPid};
+    delegate.applicationDidFinishLaunching();
+    EXPECT_EQ(system.application.terminations, 1);
+  }
 }
 
 TEST_F(Launch, InstancesAreLookedForUnderTheBundleIdentifier) {
@@ -95,6 +106,7 @@ TEST_F(Launch, TerminationWaitsForAnEjectionThenStopsTheMonitor) {
     delegate.applicationWillTerminate();
     return testing::ToolRun{.status = 1};
   };
+  system.clock.onSleep = [&] { EXPECT_EQ(system.runLoop.scheduledTimers(), 2u); };
   daemon->eject("/Volumes/A", "A");
   EXPECT_EQ(system.clock.sleeps.size(), 30u);
   EXPECT_EQ(system.runLoop.scheduledTimers(), 0u);

@@ -19,10 +19,7 @@ QuillmontDaemon::QuillmontDaemon(const Host& host, ConfigManager& config)
       queue_(host.queues.makeBackgroundQueue("com.norwaldex.quillmont.daemon")),
       ignoredPrefixes_(ignoredServicePrefixes()) {}
 
-// The queue goes first: a task of its may still be running and use the other members.
-QuillmontDaemon::~QuillmontDaemon() {
-  queue_.reset();
-}
+QuillmontDaemon::~QuillmontDaemon() = default;
 
 const std::vector<DiskImage>& QuillmontDaemon::mountedImages() const {
   return mountedImages_.value();
@@ -34,7 +31,8 @@ Subscription QuillmontDaemon::observeMountedImages(
 }
 
 void QuillmontDaemon::start() {
-  stop();
+  timer_.reset();
+  uiTimer_.reset();
   timer_ = host_.mainRunLoop.scheduleRepeatingTimer(kScanInterval, [weak = weak_from_this()] {
     if (const auto self = weak.lock()) self->tick();
   });

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <utility>
+
 #include "tests/support/TestHost.h"
 
 namespace quillmont {
@@ -195,7 +197,17 @@ TEST_F(Monitor, ExcludedImageIsCheckedForUsersToo) {
   EXPECT_TRUE(monitor_->mountedImages().front().inUse);
 }
 
-TEST_F(Monitor, ExclusionTakesEffectWithTheNextCycle) {
+TEST_F(Monitor, ExclusionShowsWithTheNextCycle) {
+  images.attach("Backup");
+  start();
+  config.excludeImage("/Users/user/Backup.dmg");
+  system.pass(4.9);
+  EXPECT_FALSE(monitor_->mountedImages().front().isExcluded);
+  system.pass(0.1);
+  EXPECT_TRUE(monitor_->mountedImages().front().isExcluded);
+}
+
+TEST_F(Monitor, ImageThatWasJustExcludedMayStillBeEjectedBeforeTheNextCycle) {
   images.attach("Backup");
   config.setTimeoutSeconds(3);
   start();
@@ -320,10 +332,83 @@ TEST_F(Monitor, ImageThatGoesAndComesBackIsTimedAnew) {
 }
 
 TEST_F(Monitor, MountLaterThanTheLastUseIsTheReference) {
-  const auto node = images.attach("Backup").devEntry;
-  system.files.nodes[node].modificationDate = system.clock.now() - testing::seconds(30);
+  auto& image = images.attach("Backup");
+  image.users = {"bash"};
+  system.files.nodes[image.devEntry].modificationDate = system.clock.now() + testing::seconds(60);
   start();
-  EXPECT_DOUBLE_EQ(idle(), 30);
+  EXPECT_DOUBLE_EQ(idle(), -60) << "used now, mounted by a clock that was ahead";
+  images.image("Backup").users.clear();
+  system.workspace.happen(VolumeEvent::didMount);
+  system.settle();
+  system.pass(1);
+  EXPECT_DOUBLE_EQ(idle(), -59);
+}
+
+TEST_F(Monitor, OwnProcessDoesNotKeepAnImage) {
+  images.attach("Backup").users = {"Quillmont"};
+  images.attached.front().userPid = 999;
+  start();
+  EXPECT_FALSE(monitor_->mountedImages().front().inUse);
+}
+
+TEST_F(Monitor, EjectionRequestForgetsTheLastUse) {
+  const auto node = images.attach("Backup").devEntry;
+  images.image("Backup").users = {"bash"};
+  system.files.nodes[node].modificationDate = system.clock.now() - testing::seconds(100);
+  images.detachStatus = 1;
+  config.setTimeoutSeconds(5);
+  start();
+  images.image("Backup").users.clear();
+  system.pass(6);
+  EXPECT_EQ(detaches(), 1u);
+  system.pass(4);
+  EXPECT_DOUBLE_EQ(idle(), 110) << "counted from the device node again";
+}
+
+TEST_F(Monitor, ImageThatGoesTakesItsLastUseAlong) {
+  const auto node = images.attach("Backup").devEntry;
+  images.image("Backup").users = {"bash"};
+  auto gone = images.attached.front();
+  start();
+  images.removeImage("/Volumes/Backup");
+  system.pass(5);
+  gone.users.clear();
+  images.attached.push_back(gone);
+  system.files.nodes[node].modificationDate = system.clock.now() - testing::seconds(100);
+  system.workspace.happen(VolumeEvent::didMount);
+  system.settle();
+  EXPECT_DOUBLE_EQ(idle(), 100);
+}
+
+TEST_F(Monitor, TimeOfACycleIsTakenAfterTheScan) {
+  images.attach("Backup");
+  auto& tool = system.processes.tools["/usr/bin/hdiutil"];
+  tool = [this, honest = tool](const Command& command) {
+    system.clock.advance(testing::seconds(2));
+    return honest(command);
+  };
+  start();
+  EXPECT_DOUBLE_EQ(idle(), 2);
+}
+
+TEST_F(Monitor, TimesAreCopiedAfterTheScan) {
+  const auto node = images.attach("Backup").devEntry;
+  config.setTimeoutSeconds(3);
+  images.detachStatus = 1;
+  auto& monitor = start();
+  auto& tool = system.processes.tools["/usr/bin/hdiutil"];
+  bool interrupted = false;
+  tool = [&, honest = tool](const Command& command) {
+    if (!std::exchange(interrupted, true)) {
+      system.clock.advance(testing::seconds(10));
+      monitor.updateIdleTimesAndCheckTimeout();  // requests the ejection and forgets the image
+      system.files.nodes[node].modificationDate = system.clock.now();
+    }
+    return honest(command);
+  };
+  monitor.tick();
+  system.settle();
+  EXPECT_DOUBLE_EQ(idle(), 0) << "a forgotten image is looked up anew";
 }
 
 TEST_F(Monitor, OneCycleUsesOneTimeHoweverLongItsChecksTake) {
@@ -334,9 +419,15 @@ TEST_F(Monitor, OneCycleUsesOneTimeHoweverLongItsChecksTake) {
     system.clock.advance(testing::seconds(2));
     return honest(command);
   };
+  images.image("Two").users = {"bash"};
   start();
   EXPECT_DOUBLE_EQ(idle(0), 0);
   EXPECT_DOUBLE_EQ(idle(1), 0);
+  images.image("Two").users.clear();
+  system.processes.tools["/usr/sbin/lsof"] = [](const Command&) { return testing::ToolRun{}; };
+  monitor_->tick();
+  system.settle();
+  EXPECT_DOUBLE_EQ(idle(1), 4) << "from the cycle's own time, though its checks took four seconds";
 }
 
 TEST_F(Monitor, ResultOfACycleOverwritesWhatTheIdleUpdateDropped) {
@@ -418,9 +509,15 @@ TEST_F(Monitor, HandOverKeepsTheMonitorAliveUntilItHasRun) {
 class DeletedProgram : public Monitor {
  protected:
   void expectCleanUp(const std::string& logLine) {
-    system.processes.tools["/bin/bash"] = [](const Command&) { return testing::ToolRun{}; };
+    system.processes.tools["/bin/bash"] = [this](const Command&) {
+      EXPECT_THAT(system.defaults.removedDomains, IsEmpty()) << "the login item goes first";
+      return testing::ToolRun{};
+    };
     system.files.files["/Users/user/Library/LaunchAgents/com.norwaldex.quillmont.plist"] = "agent";
-    start();
+    monitor_ = QuillmontDaemon::make<OpenMonitor>(system.host(), config);
+    system.queues.runTasks();
+    EXPECT_EQ(system.application.terminations, 0) << "that is for the main thread";
+    system.runLoop.runTasks();
     EXPECT_THAT(system.log.lines, ElementsAre(logLine));
     EXPECT_EQ(system.processes.launchesOf("/bin/bash").size(), 1u);
     EXPECT_THAT(system.files.files, IsEmpty());

@@ -63,8 +63,17 @@ TEST_F(Ejection, NotificationIsNotWaitedFor) {
 TEST_F(Ejection, ImageThatStaysListedIsLookedAtSixTimesAndNotAnnounced) {
   images.attach("Backup");
   images.detachReally = false;
+  std::vector<std::size_t> sleepsBeforeEachScan;
+  auto& tool = system.processes.tools["/usr/bin/hdiutil"];
+  tool = [&, honest = tool](const Command& command) {
+    if (command.arguments.front() == "info") {
+      sleepsBeforeEachScan.push_back(system.clock.sleeps.size());
+    }
+    return honest(command);
+  };
   monitor->eject("/Volumes/Backup", "Backup");
   EXPECT_EQ(images.scans, 6);
+  EXPECT_THAT(sleepsBeforeEachScan, ElementsAre(1, 2, 3, 4, 5, 6));
   EXPECT_EQ(system.clock.sleeps.size(), 6u);
   EXPECT_THAT(system.clock.sleeps, Each(kHalfASecond));
   EXPECT_THAT(system.log.lines,

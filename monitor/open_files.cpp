@@ -59,12 +59,10 @@ bool isIgnoredService(std::string_view name, std::span<const std::string> prefix
 
 }  // namespace
 
-const std::vector<std::string>& ignoredServicePrefixes() {
-  static const auto* const prefixes = new std::vector<std::string>{
-      "mds",     "fsevents",   "spotlight",  "corespotlight", "quicklook",
-      "cloudd",  "dbfsevents", "livefiles",  "hazel",         "sharedfilelist",
-      "dropbox", "onedrive",   "googledrive"};
-  return *prefixes;
+std::vector<std::string> ignoredServicePrefixes() {
+  return {"mds",     "fsevents",   "spotlight",  "corespotlight", "quicklook",
+          "cloudd",  "dbfsevents", "livefiles",  "hazel",         "sharedfilelist",
+          "dropbox", "onedrive",   "googledrive"};
 }
 
 std::vector<std::string> countedProcessNames(std::string_view output, std::string_view myPid,

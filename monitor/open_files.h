@@ -10,7 +10,7 @@ namespace quillmont {
 
 /// System and sync services that touch every volume: a process whose lower-cased name begins with
 /// one of these never counts as a user.
-const std::vector<std::string>& ignoredServicePrefixes();
+std::vector<std::string> ignoredServicePrefixes();
 
 /// The names of the counted processes in `output`, each once, in the order of their first line.
 ///

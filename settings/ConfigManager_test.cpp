@@ -31,9 +31,16 @@ class Settings : public ::testing::Test {
 /// Counts what the settings ask of the launch agent.
 class CountingSettings : public ConfigManager {
  public:
-  using ConfigManager::ConfigManager;
-  void updateLaunchAgent() override { launchesSeen.push_back(launchAtLogin()); }
+  CountingSettings(const Host& host, const testing::MemoryDefaults& store)
+      : ConfigManager(host), store_(store) {}
+  void updateLaunchAgent() override {
+    launchesSeen.push_back(launchAtLogin());
+    EXPECT_EQ(store_.object(kLaunch), PropertyList(launchAtLogin())) << "stored before";
+  }
   std::vector<bool> launchesSeen;
+
+ private:
+  const testing::MemoryDefaults& store_;
 };
 
 TEST_F(Settings, EmptyStoreGivesTheDefaultsAndStaysEmpty) {
@@ -116,22 +123,26 @@ TEST_F(Settings, ExcludeListWithAnotherElementIsEmpty) {
 }
 
 TEST_F(Settings, EveryAssignmentIsWritten) {
-  CountingSettings config(system.host());
+  CountingSettings config(system.host(), system.defaults);
   config.setTimeoutSeconds(60);
   config.setTimeoutSeconds(60);
-  config.setIsEnabled(true);
+  config.setIsEnabled(false);
   config.setExcludeList({"/a.dmg"});
-  config.setLaunchAtLogin(false);
+  config.setLaunchAtLogin(true);
   EXPECT_THAT(system.defaults.writes,
               ElementsAre(kTimeout, kTimeout, kEnabled, kExcluded, kLaunch));
   EXPECT_EQ(system.defaults.values.at(kTimeout), PropertyList(60.0));
-  EXPECT_EQ(system.defaults.values.at(kEnabled), PropertyList(true));
+  EXPECT_EQ(system.defaults.values.at(kEnabled), PropertyList(false));
   EXPECT_EQ(system.defaults.values.at(kExcluded), PropertyList(PropertyListArray{"/a.dmg"}));
+  EXPECT_EQ(system.defaults.values.at(kLaunch), PropertyList(true));
+  config.setIsEnabled(true);
+  config.setLaunchAtLogin(false);
+  EXPECT_EQ(system.defaults.values.at(kEnabled), PropertyList(true));
   EXPECT_EQ(system.defaults.values.at(kLaunch), PropertyList(false));
 }
 
 TEST_F(Settings, ChangeInPlaceIsOneWrite) {
-  CountingSettings config(system.host());
+  CountingSettings config(system.host(), system.defaults);
   config.modifyTimeoutSeconds([](double& seconds) { seconds /= 2; });
   config.modifyIsEnabled([](bool& enabled) { enabled = !enabled; });
   config.modifyExcludeList([](Strings& paths) { paths = {"/a.dmg", "/b.dmg"}; });
@@ -144,7 +155,7 @@ TEST_F(Settings, ChangeInPlaceIsOneWrite) {
 }
 
 TEST_F(Settings, LaunchAtLoginUpdatesTheAgentAtEveryAssignment) {
-  CountingSettings config(system.host());
+  CountingSettings config(system.host(), system.defaults);
   config.setLaunchAtLogin(false);
   config.setLaunchAtLogin(true);
   config.setLaunchAtLogin(true);
@@ -217,7 +228,7 @@ TEST_F(Settings, ObserversHearOfTheChangeBeforeItAndOfTheValueBeforeItIsStored) 
 }
 
 TEST_F(Settings, OneSignalSpeaksForEveryPropertyAndEachStreamForItsOwn) {
-  CountingSettings config(system.host());
+  CountingSettings config(system.host(), system.defaults);
   int changes = 0;
   std::vector<bool> enabled, launch;
   std::vector<Strings> excluded;

@@ -117,6 +117,8 @@ TEST_F(LaunchAgent, HomeFolderWithASpaceIsWrittenAsItIs) {
       "/Users/two words/Library/LaunchAgents/com.norwaldex.quillmont.plist"));
   EXPECT_NE(commandLines.front().find(" /Users/two words/Library/LaunchAgents/"),
             std::string::npos);
+  config.setLaunchAtLogin(false);
+  EXPECT_THAT(system.files.files, IsEmpty());
   EXPECT_THAT(system.log.lines, IsEmpty());
 }
 

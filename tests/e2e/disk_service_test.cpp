@@ -36,7 +36,7 @@ constexpr char kBus[] = "/bus";  // in the laboratory's folder
 /// are private, and all of them end with the first process. $1 is the laboratory's folder.
 constexpr char kLaboratory[] = R"sh(
 mount -t tmpfs none /media && mount -t tmpfs none /run || exit 1
-mount -t tmpfs none /var/lib/udisks2 && mount --bind "$1/rules" /etc/polkit-1/rules.d || exit 1
+mount -t tmpfs none /var/lib && mkdir /var/lib/udisks2 && mount --bind "$1/rules" /etc/polkit-1/rules.d || exit 1
 mkdir -p /run/udisks2 /run/udev
 export DBUS_SYSTEM_BUS_ADDRESS="unix:path=$1/bus"
 dbus-daemon --system --nofork --nopidfile --nosyslog --address="$DBUS_SYSTEM_BUS_ADDRESS" &
@@ -72,8 +72,7 @@ class Laboratory {
     if (auto reason = DiskImages::whyImpossible(); !reason.empty()) return reason;
     for (const char* needed :
          {"/usr/bin/dbus-daemon", "/usr/bin/dbus-send", "/lib/systemd/systemd-udevd",
-          "/usr/lib/polkit-1/polkitd", "/usr/libexec/udisks2/udisksd", "/etc/polkit-1/rules.d",
-          "/var/lib/udisks2"}) {
+          "/usr/lib/polkit-1/polkitd", "/usr/libexec/udisks2/udisksd", "/etc/polkit-1/rules.d"}) {
       if (access(needed, F_OK) != 0) return std::string("this machine has no ") + needed;
     }
     return "";

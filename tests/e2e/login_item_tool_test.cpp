@@ -8,7 +8,11 @@
 #include <fstream>
 #include <sstream>
 
+#include "platform/linux/XmlPropertyLists.h"
+#include "platform/posix/PosixFileManager.h"
+#include "platform/posix/PosixProcessLauncher.h"
 #include "tests/support/Program.h"
+#include "tests/support/TestHost.h"
 
 namespace quillmont {
 namespace {
@@ -95,6 +99,48 @@ TEST_F(LoginItemTool, SwitchingOnMakesTheAutostartEntry) {
                 "NoDisplay=true\n"
                 "X-Quillmont-LaunchAgent=" +
                 agentIn(home_) + "\n");
+}
+
+/// From the setting to the desktop's entry, with nothing in between but the real parts.
+TEST_F(LoginItemTool, SettingMakesTheAgentAndTheEntryAndTakesThemAway) {
+  const testing::TemporaryFolder other;
+  setenv("HOME", other.path().c_str(), 1);
+  unsetenv("XDG_CONFIG_HOME");
+  testing::TestHost system;
+  XmlPropertyLists lists;
+  PosixFileManager files({other.path() + "/Library"});
+  PosixProcessLauncher processes(std::string(kLibexec) + ":/usr/bin:/bin");
+  ConfigManager config({.processes = processes,
+                        .propertyLists = lists,
+                        .defaults = system.defaults,
+                        .files = files,
+                        .bundle = system.bundle,
+                        .log = system.log,
+                        .mainRunLoop = system.runLoop,
+                        .queues = system.queues,
+                        .clock = system.clock,
+                        .workspace = system.workspace,
+                        .application = system.application,
+                        .tools = {},
+                        .processIdentifier = getpid(),
+                        .userIdentifier = getuid()});
+  for (int round = 0; round < 2; ++round) {
+    config.setLaunchAtLogin(true);
+    const auto agent = contents(agentIn(other.path()));
+    EXPECT_TRUE(agent.starts_with("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n")) << agent;
+    EXPECT_EQ(*lists.parse(agent),
+              PropertyList(PropertyListDictionary{
+                  {"Label", "com.norwaldex.quillmont"},
+                  {"ProgramArguments", PropertyListArray{*system.bundle.executable}},
+                  {"RunAtLoad", true},
+                  {"KeepAlive", false}}));
+    EXPECT_NE(contents(entryIn(other.path())).find("Exec=" + *system.bundle.executable + "\n"),
+              std::string::npos);
+  }
+  config.setLaunchAtLogin(false);
+  EXPECT_FALSE(std::filesystem::exists(agentIn(other.path())));
+  EXPECT_FALSE(std::filesystem::exists(entryIn(other.path())));
+  EXPECT_TRUE(system.log.lines.empty());
 }
 
 TEST_F(LoginItemTool, SwitchingOnTwiceRewritesTheEntryQuietly) {

@@ -25,6 +25,7 @@ class ManualClock : public Clock {
  public:
   TimePoint now() const override { return now_; }
   void sleep(std::chrono::microseconds duration) override {
+    if (onSleep) onSleep();
     sleeps.push_back(duration);
     now_ += duration;
   }
@@ -33,6 +34,7 @@ class ManualClock : public Clock {
   }
 
   std::vector<std::chrono::microseconds> sleeps;
+  Task onSleep;  ///< called at the beginning of each sleep
 
  private:
   TimePoint now_ = TimePoint(std::chrono::hours(24 * 365 * 50));

@@ -16,7 +16,7 @@ FakeDiskImages::FakeDiskImages(TestHost& host) : host_(host) {
 }
 
 FakeDiskImages::Image& FakeDiskImages::attach(const std::string& name) {
-  const auto node = "/dev/disk" + std::to_string(attached.size() + 4) + "s1";
+  const auto node = "/dev/disk" + std::to_string(4 + nodes_++) + "s1";
   host_.files.nodes[node] = {.modificationDate = host_.clock.now(), .creationDate = std::nullopt};
   attached.push_back({"/Users/user/" + name + ".dmg", "/Volumes/" + name, node});
   return attached.back();
@@ -43,11 +43,11 @@ ToolRun FakeDiskImages::diskImageTool(const Command& command) {
 
 ToolRun FakeDiskImages::openFilesTool(const Command& command) {
   std::string output;
-  int pid = 100;
   for (const auto& image : attached) {
     if (image.mountPoint != command.arguments.at(2)) continue;
+    int pid = image.userPid;
     for (const auto& user : image.users) {
-      output += "p" + std::to_string(++pid) + "\nc" + user + "\nf3\nn" + image.mountPoint + "/f\n";
+      output += "p" + std::to_string(pid++) + "\nc" + user + "\nf3\nn" + image.mountPoint + "/f\n";
     }
   }
   return {.output = output, .status = output.empty() ? 1 : 0};

@@ -71,6 +71,7 @@ class FakeDiskImages {
     std::string mountPoint;
     std::string devEntry;
     std::vector<std::string> users = {};  ///< command names of processes with open files
+    int userPid = 101;                    ///< of the first one; the others follow it
   };
 
   explicit FakeDiskImages(TestHost& host);
@@ -91,6 +92,7 @@ class FakeDiskImages {
   PropertyList list() const;
 
   TestHost& host_;
+  int nodes_ = 0;
 };
 
 /// The monitor with its inner operations in the open.
