@@ -7,30 +7,46 @@
 set -euo pipefail
 build=$(realpath "$1")
 here=$(dirname "$(realpath "${BASH_SOURCE[0]}")")
-work=$(mktemp -d "${TMPDIR:-/tmp}/quillmont-demo.XXXXXX")
-bundle=$work/Quillmont
 timeout_seconds=3
 volume=假日照片
-image="$work/$volume.img"
+mount_point=
+running=()
+work=$(mktemp -d /tmp/quillmont-demo.XXXXXX)
+trap 'exit 130' INT TERM
+trap clean_up EXIT
+
+image=$work/$volume.img
+bundle=$work/Quillmont
+hdiutil=$work/hdiutil
 
 say() { printf '\n\033[1m%s\033[0m\n' "$*"; }
+
+fail() {
+  echo "demo: $*" >&2
+  exit 1
+}
 
 clean_up() {
   local status=$?
   trap - EXIT
   stop_running
-  if "$hdiutil" info -plist 2>/dev/null | grep -q "<string>$image</string>"; then
-    "$hdiutil" detach "/Volumes/$volume" -force || true
-  fi
+  if is_attached; then "$hdiutil" detach "$mount_point" -force || true; fi
   rm -rf "$work"
   exit "$status"
 }
 
-running=()
+# ends PID: asks it to, and insists after three seconds; answers its status.
+ends() {
+  local ticks=30
+  kill -TERM "$1" 2>/dev/null || true
+  while kill -0 "$1" 2>/dev/null && [ $((ticks--)) -gt 0 ]; do sleep 0.1; done
+  kill -KILL "$1" 2>/dev/null || true
+  wait "$1" 2>/dev/null
+}
+
 stop_running() {
   local pid
-  for pid in "${running[@]}"; do kill "$pid" 2>/dev/null || true; done
-  for pid in "${running[@]}"; do wait "$pid" 2>/dev/null || true; done
+  for pid in "${running[@]}"; do ends "$pid" || true; done
   running=()
 }
 
@@ -38,12 +54,14 @@ stop_running() {
 wait_for() {
   local ticks=$(($1 * 10))
   until grep -qF "$2" "$work/log"; do
-    [ $((ticks--)) -gt 0 ] || {
-      echo "demo: \"$2\" did not come within $1 seconds" >&2
-      return 1
-    }
+    [ $((ticks--)) -gt 0 ] || fail "\"$2\" did not come within $1 seconds"
     sleep 0.1
   done
+}
+
+is_attached() {
+  local list
+  list=$("$hdiutil" info -plist 2>/dev/null) && grep -qaF "<string>$image</string>" <<<"$list"
 }
 
 # A session of the demo's own.
@@ -53,8 +71,15 @@ private_session() {
   export XDG_CONFIG_HOME=$HOME/.config XDG_DATA_HOME=$HOME/.local/share
   unset DISPLAY WAYLAND_DISPLAY
   export DBUS_SESSION_BUS_ADDRESS=unix:path=$work/bus
-  printf '<busconfig><type>session</type><listen>%s</listen><policy context="default"><allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/></policy></busconfig>' \
-    "$DBUS_SESSION_BUS_ADDRESS" >"$work/bus.conf"
+  cat >"$work/bus.conf" <<BUS
+<busconfig>
+  <type>session</type>
+  <listen>$DBUS_SESSION_BUS_ADDRESS</listen>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/>
+  </policy>
+</busconfig>
+BUS
   dbus-daemon --config-file="$work/bus.conf" --nofork --nopidfile 2>/dev/null &
   running+=($!)
   local ticks=50
@@ -63,7 +88,20 @@ private_session() {
   running+=($!)
 }
 
-# Images that are attached already are somebody's own: the demo leaves them alone.
+# A copy of the program that cannot touch anybody's own image: they are excluded, and in front of
+# the disk-image tool stands a guard that lets nothing but the demo's image be detached.
+guarded_program() {
+  cp -a "$build/Quillmont" "$bundle"
+  mv "$bundle/Contents/libexec/hdiutil" "$hdiutil"
+  cat >"$bundle/Contents/libexec/hdiutil" <<'GUARD'
+#!/usr/bin/env bash
+work=$(dirname "$(realpath "$0")")/../../..
+[ "$1" != detach ] || [ "$2" = "$(<"$work/mount-point")" ] || exit 1
+exec "$work/hdiutil" "$@"
+GUARD
+  chmod +x "$bundle/Contents/libexec/hdiutil"
+}
+
 settings() {
   mkdir -p "$XDG_CONFIG_HOME/quillmont"
   cat >"$XDG_CONFIG_HOME/quillmont/com.norwaldex.Quillmont.plist" <<PLIST
@@ -71,7 +109,8 @@ settings() {
 <plist version="1.0"><dict>
 <key>com.norwaldex.quillmont.timeoutSeconds</key><real>$timeout_seconds</real>
 <key>com.norwaldex.quillmont.excludeList</key><array>
-$("$hdiutil" info -plist | grep -A 1 "<key>image-path</key>" | grep "<string>" || true)
+$(cat /sys/block/loop*/loop/backing_file 2>/dev/null | iconv -c -f UTF-8 -t UTF-8 |
+    sed 's/&/\&amp;/g; s/</\&lt;/g; s/.*/<string>&<\/string>/')
 </array></dict></plist>
 PLIST
 }
@@ -79,46 +118,47 @@ PLIST
 # A small ext4 image named in Chinese, attached; where that cannot be done, a simulated one.
 attach_image() {
   local answer
+  mkdir "$work/content"
+  echo "海边的一天" >"$work/content/日记.txt"
   truncate -s 8M "$image"
-  /sbin/mkfs.ext4 -q -L "$volume" -d "$1" "$image" 2>/dev/null
+  answer=$(/sbin/mkfs.ext4 -q -L "$volume" -d "$work/content" "$image" 2>&1) ||
+    fail "no file system can be made: $answer"
   if ! answer=$("$hdiutil" attach "$image" 2>&1); then
     say "This machine cannot attach disk images (${answer//$'\n'/ }): a simulated disk-image tool stands in."
     export QUILLMONT_SIMULATED_IMAGES=$work/simulated
-    cp "$here"/simulated/* "$bundle/Contents/libexec/"
+    cp "$here/simulated/hdiutil" "$hdiutil"
+    cp "$here/simulated/lsof" "$bundle/Contents/libexec/lsof"
     answer=$("$hdiutil" attach "$image")
   fi
   echo "$answer"
   mount_point=$(sed -n 's/^[^\t]*\t//p' <<<"$answer" | head -n 1)
+  printf '%s' "$mount_point" >"$work/mount-point"
 }
 
 # Where the volume really is, for a process that wants to open a file on it.
 real_folder() {
-  local folder
-  for folder in "${QUILLMONT_SIMULATED_IMAGES:-/nowhere}/$volume" \
-    "/media/$(id -un)/$volume" "/run/media/$(id -un)/$volume"; do
+  local folder name=${mount_point#/Volumes/}
+  for folder in "${QUILLMONT_SIMULATED_IMAGES:-/nowhere}/$name" \
+    "/media/$(id -un)/$name" "/run/media/$(id -un)/$name"; do
     [ -d "$folder" ] && echo "$folder" && return
   done
 }
 
-cp -a "$build/Quillmont" "$bundle"
-hdiutil=$bundle/Contents/libexec/hdiutil
 touch "$work/log"
-trap clean_up EXIT
+guarded_program
 private_session
 settings
 
 say "1. A disk image named $volume is attached; it is to be ejected after $timeout_seconds idle seconds."
-mkdir "$work/content"
-echo "海边的一天" >"$work/content/日记.txt"
-attach_image "$work/content"
+attach_image
 
 say "2. A process opens a file on it, and Quillmont starts."
 tail -f "$(real_folder)/日记.txt" >/dev/null &
 reader=$!
 running+=("$reader")
 "$bundle/Contents/MacOS/Quillmont" >>"$work/log" 2>&1 &
-running+=($!)
 program=$!
+running+=("$program")
 tail -n +1 -F --pid="$program" "$work/log" 2>/dev/null &
 running+=($!)
 wait_for 10 "Disk image is in use: $mount_point"
@@ -132,10 +172,6 @@ wait_for 5 "因空闲已自动推出"
 sleep 0.5
 
 say "4. Quillmont is asked to end."
-kill -TERM "$program"
-wait "$program"
-if "$hdiutil" info -plist | grep -q "<string>$image</string>"; then
-  echo "demo: the image is still attached" >&2
-  exit 1
-fi
+ends "$program" || fail "it ended with status $?"
+if is_attached; then fail "the image is still attached"; fi
 say "Nothing is attached any more."

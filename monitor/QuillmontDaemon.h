@@ -48,7 +48,7 @@ class QuillmontDaemon : public ObservableObject,
   /// is queued, and volume events are observed. Main thread.
   template <class Monitor = QuillmontDaemon>
   static std::shared_ptr<Monitor> make(const Host& host, ConfigManager& config) {
-    const std::shared_ptr<Monitor> monitor(new Monitor(host, config));
+    std::shared_ptr<Monitor> monitor(new Monitor(host, config));
     monitor->start();
     monitor->observeVolumes();
     return monitor;

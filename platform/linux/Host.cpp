@@ -68,6 +68,8 @@ struct LinuxHost {
 };
 
 const Host* makeHost() {
+  // A folder on an image would be held by the program itself, and by every tool that it starts.
+  static_cast<void>(chdir("/") == 0);
   auto& parts = *new LinuxHost;
   return new Host{.processes = parts.processes,
                   .propertyLists = parts.propertyLists,

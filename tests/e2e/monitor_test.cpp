@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <utility>
 
 #include "platform/linux/EventLoop.h"
@@ -26,6 +27,7 @@
 namespace quillmont::testing {
 namespace {
 
+namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 using ::testing::Contains;
 using ::testing::ElementsAre;
@@ -175,6 +177,25 @@ TEST_F(MonitorOnRealImages, HeldImageThatIsEjectedKeepsItsCardWithTheHoldersName
   holder.signal(SIGKILL);
   holder.waitForExit(1s);
   EXPECT_TRUE(serveUntil([&] { return !card(mountPoint); }, 8s));
+}
+
+TEST_F(MonitorOnRealImages, IgnoredServicesAreNoUsersInAnyLetterCase) {
+  const auto mountPoint = attach("Services");
+  std::vector<std::unique_ptr<Program>> holders;
+  const auto hold = [&](const std::string& name) {
+    const auto program = session->folder() + "/" + name;
+    fs::copy_file("/usr/bin/tail", program);
+    holders.push_back(std::make_unique<Program>(
+        std::vector<std::string>{program, "-f", DiskImages::realPlace("Services") + "/note.txt"}));
+  };
+  for (const auto* name : {"mds_stores", "DropBox", "ONEDRIVE", "hazelHelper", "cloudd"})
+    hold(name);
+  serveFor(6s);  // a whole cycle, at least
+  ASSERT_TRUE(card(mountPoint));
+  EXPECT_FALSE(card(mountPoint)->inUse);
+  hold("MDWorker");
+  EXPECT_TRUE(serveUntil([&] { return card(mountPoint) && card(mountPoint)->inUse; }, 6s));
+  EXPECT_THAT(card(mountPoint)->activeProcesses, ElementsAre("MDWorker"));
 }
 
 TEST_F(MonitorOnRealImages, UserEjectsAnExcludedImage) {

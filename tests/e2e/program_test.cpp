@@ -138,6 +138,19 @@ TEST_F(ProgramWithImages, UsedThenIdleThenEjectedVerifiedAndAnnounced) {
   EXPECT_EQ(terminate(), 0);
 }
 
+TEST_F(ProgramWithImages, FolderOfItsStartIsNotHeld) {
+  session->store({{"timeoutSeconds", 1.0}});
+  const auto mountPoint = attach("Started here");
+  program = std::make_unique<Program>(
+      std::vector<std::string>{"sh", "-c", "cd \"$1\" && exec \"$0\"",
+                               session->bundle() + "/Contents/MacOS/Quillmont",
+                               DiskImages::realPlace("Started here")},
+      session->environment());
+  EXPECT_TRUE(waitUntilEjected(mountPoint)) << output();
+  EXPECT_FALSE(listed(mountPoint));
+  EXPECT_EQ(terminate(), 0);
+}
+
 TEST_F(ProgramWithImages, ExcludedImageIsLeftAlone) {
   const auto image = make("Kept");
   session->store({{"timeoutSeconds", 1.0}, {"excludeList", PropertyListArray{image}}});
