@@ -6,12 +6,14 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string_view>
 
+#include "platform/linux/loop_devices.h"
 #include "platform/linux/user_folders.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/files.h"
@@ -46,6 +48,7 @@ std::string encoded(const Ghost& ghost, const std::string& boot) {
     record.append(key).append("=").append(value).push_back('\0');
   };
   add("boot", boot);
+  add("unmounted", ghost.unmounted ? "1" : "0");
   add("loop", ghost.loopName);
   add("sequence", std::to_string(ghost.loopSequence));
   add("image", ghost.imagePath);
@@ -87,41 +90,65 @@ bool take(const Entries& entries, const char* key, std::uint64_t& value) {
   return result.ec == std::errc() && result.ptr == end;
 }
 
-std::optional<Ghost> decodedRecord(std::string_view record, const std::string& boot) {
-  const Entries entries = entriesOf(record);
-  std::string recordedBoot;
-  Ghost ghost;
+/// A record that cannot be read is neither living nor over: there may be no descriptor left, say.
+enum class Standing { living, over, unknown };
+
+struct Judged {
+  Standing standing = Standing::unknown;
+  Ghost ghost;  ///< of a living one
+};
+
+bool decode(const Entries& entries, Ghost& ghost) {
+  std::uint64_t unmounted = 0;
   const bool whole =
-      take(entries, "boot", recordedBoot) && take(entries, "loop", ghost.loopName) &&
+      take(entries, "unmounted", unmounted) && take(entries, "loop", ghost.loopName) &&
       take(entries, "sequence", ghost.loopSequence) && take(entries, "image", ghost.imagePath) &&
       take(entries, "device", ghost.deviceNode) && take(entries, "mount-point", ghost.mountPoint) &&
       take(entries, "mount-id", ghost.mountId) &&
       take(entries, "super-device", ghost.superDevice) &&
       take(entries, "stat-device", ghost.statDevice);
-  if (!whole || recordedBoot != boot) return std::nullopt;
-  return ghost;
+  ghost.unmounted = unmounted != 0;
+  return whole;
 }
 
-/// The bytes of a record that is a plain file of ours: a link or a pipe planted in the folder is
-/// not followed and not waited for.
-std::string recordBytes(const std::string& path) {
+/// The bytes of a record that is a plain file of ours, none of anything else: a link or a pipe
+/// planted in the folder is not followed and not waited for. Nothing if it cannot be looked at.
+std::optional<std::string> recordBytes(const std::string& path) {
   const Descriptor file(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  if (!file) return errno == ELOOP ? std::optional<std::string>("") : std::nullopt;
   struct stat status = {};
-  if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return {};
-  if (status.st_uid != geteuid() || status.st_size > 64 * 1024) return {};
+  if (fstat(file.get(), &status) != 0) return std::nullopt;
+  if (!S_ISREG(status.st_mode) || status.st_uid != geteuid()) return "";
+  if (status.st_size > 64 * 1024) return "";
   std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
   const ssize_t count = pread(file.get(), bytes.data(), bytes.size(), 0);
-  bytes.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+  if (count < 0) return std::nullopt;
+  bytes.resize(static_cast<std::size_t>(count));
   return bytes;
 }
 
-/// A renamed image is still the same one, so the path counts only where the kernel tells no
-/// sequence.
-bool lives(const Ghost& ghost, const std::vector<LoopDevice>& attached) {
-  return std::any_of(attached.begin(), attached.end(), [&ghost](const LoopDevice& loop) {
-    return loop.name == ghost.loopName && loop.sequence == ghost.loopSequence &&
-           (loop.sequence != 0 || loop.backingFile == ghost.imagePath);
-  });
+/// Asks the device itself: the record may be younger than any list. A renamed image is still the
+/// same one, so the path counts only where the kernel tells no sequence.
+Standing standingOf(const Ghost& ghost, const std::string& sysBlock) {
+  const auto loop = loopState(ghost.loopName, sysBlock);
+  if (loop.kind == LoopState::Kind::released) return Standing::over;
+  if (loop.kind == LoopState::Kind::unknown) return Standing::unknown;
+  if (ghost.loopSequence != 0 && loop.sequence) {
+    return *loop.sequence == ghost.loopSequence ? Standing::living : Standing::over;
+  }
+  return loop.backingFile == ghost.imagePath ? Standing::living : Standing::unknown;
+}
+
+Judged judge(const std::string& path, const std::string& boot, const std::string& sysBlock) {
+  const auto bytes = recordBytes(path);
+  if (!bytes) return {};
+  const Entries entries = entriesOf(*bytes);
+  Judged judged;
+  std::string recordedBoot;
+  const bool ours = take(entries, "boot", recordedBoot) && recordedBoot == boot;
+  const bool whole = ours && decode(entries, judged.ghost);
+  judged.standing = whole ? standingOf(judged.ghost, sysBlock) : Standing::over;
+  return judged;
 }
 
 /// Tells records from files beside them that are just being written.
@@ -156,19 +183,16 @@ void forgetGhost(const Ghost& ghost) {
   if (folder) unlink((*folder + "/" + recordName(ghost)).c_str());
 }
 
-std::vector<Ghost> livingGhosts(const std::vector<LoopDevice>& attached) {
+std::vector<Ghost> livingGhosts(const std::string& sysBlock) {
   const auto folder = ghostFolder();
   const auto boot = bootIdentifier();
   if (!folder || !boot) return {};
   std::vector<Ghost> ghosts;
   for (const auto& name : recordNames(*folder)) {
     const std::string path = *folder + "/" + name;
-    auto ghost = decodedRecord(recordBytes(path), *boot);
-    if (ghost && lives(*ghost, attached)) {
-      ghosts.push_back(std::move(*ghost));
-    } else {
-      unlink(path.c_str());
-    }
+    auto judged = judge(path, *boot, sysBlock);
+    if (judged.standing == Standing::living) ghosts.push_back(std::move(judged.ghost));
+    if (judged.standing == Standing::over) unlink(path.c_str());
   }
   return ghosts;
 }

@@ -11,7 +11,7 @@
 #include <fstream>
 
 #include "platform/linux/user_folders.h"
-#include "tests/support/Program.h"
+#include "tests/support/SysBlock.h"
 
 namespace quillmont {
 namespace {
@@ -25,6 +25,7 @@ class Ghosts : public ::testing::Test {
     if (const char* before = getenv("XDG_RUNTIME_DIR")) before_ = before;
     chmod(runtime_.path().c_str(), 0700);
     setenv("XDG_RUNTIME_DIR", runtime_.path().c_str(), 1);
+    block_.attach("loop3", ghost_.imagePath + "\n", "41\n");
   }
 
   void TearDown() override {
@@ -34,6 +35,8 @@ class Ghosts : public ::testing::Test {
       setenv("XDG_RUNTIME_DIR", before_.c_str(), 1);
     }
   }
+
+  std::vector<Ghost> living() { return livingGhosts(block_.path()); }
 
   std::string folder() { return *runtimeFolder() + "/ghosts"; }
 
@@ -65,7 +68,7 @@ class Ghosts : public ::testing::Test {
   const Ghost ghost_{
       "loop3", 41,  "/home/ann/a = b\n\xff.img", "/dev/loop3p1", "/media/ann/a\nb", 512,
       0x701,   0x2b};
-  const LoopDevice loop_{"loop3", "/home/ann/a = b\n\xff.img", 41};
+  testing::SysBlock block_;
 
  private:
   testing::TemporaryFolder runtime_;
@@ -74,39 +77,44 @@ class Ghosts : public ::testing::Test {
 
 TEST_F(Ghosts, LiveWhileTheirLoopDeviceIsAttached) {
   ASSERT_TRUE(rememberGhost(ghost_));
-  EXPECT_THAT(livingGhosts({loop_}), ElementsAre(ghost_));
-  EXPECT_THAT(livingGhosts({{"loop2", "/x", 1}, loop_}), ElementsAre(ghost_));
+  EXPECT_THAT(living(), ElementsAre(ghost_));
 }
 
 TEST_F(Ghosts, VanishWithTheirRecordWhenTheLoopDeviceIsReleased) {
   ASSERT_TRUE(rememberGhost(ghost_));
-  EXPECT_THAT(livingGhosts({}), IsEmpty());
+  block_.release("loop3");
+  EXPECT_THAT(living(), IsEmpty());
   EXPECT_THAT(records(), IsEmpty());
 }
 
 TEST_F(Ghosts, VanishWhenTheLoopDeviceWasAttachedAnew) {
   ASSERT_TRUE(rememberGhost(ghost_));
-  EXPECT_THAT(livingGhosts({{"loop3", loop_.backingFile, 42}}), IsEmpty());
+  block_.attach("loop3", ghost_.imagePath + "\n", "42\n");
+  EXPECT_THAT(living(), IsEmpty());
   EXPECT_THAT(records(), IsEmpty());
 }
 
 TEST_F(Ghosts, StayWithAnImageThatWasRenamed) {
   ASSERT_TRUE(rememberGhost(ghost_));
-  EXPECT_THAT(livingGhosts({{"loop3", "/home/ann/new name.img", 41}}), ElementsAre(ghost_));
+  block_.attach("loop3", "/home/ann/new name.img\n", "41\n");
+  EXPECT_THAT(living(), ElementsAre(ghost_));
 }
 
 TEST_F(Ghosts, WithoutSequencesAreKnownByTheirImage) {
   Ghost ghost = ghost_;
   ghost.loopSequence = 0;
   ASSERT_TRUE(rememberGhost(ghost));
-  EXPECT_THAT(livingGhosts({{"loop3", loop_.backingFile, 0}}), ElementsAre(ghost));
-  EXPECT_THAT(livingGhosts({{"loop3", "/other.img", 0}}), IsEmpty());
+  block_.attach("loop3", ghost_.imagePath + "\n", "");
+  EXPECT_THAT(living(), ElementsAre(ghost));
+  block_.attach("loop3", "/other.img\n", "");
+  EXPECT_THAT(living(), IsEmpty());
+  EXPECT_EQ(records().size(), 1u) << "the image may have been renamed";
 }
 
 TEST_F(Ghosts, OfAnotherBootAreRemoved) {
   ASSERT_TRUE(rememberGhost(ghost_));
   changeRecord("boot=", "boot=0");
-  EXPECT_THAT(livingGhosts({loop_}), IsEmpty());
+  EXPECT_THAT(living(), IsEmpty());
   EXPECT_THAT(records(), IsEmpty());
 }
 
@@ -117,7 +125,7 @@ TEST_F(Ghosts, SeveralOfOneDeviceLiveSideBySide) {
   second.mountId = 513;
   ASSERT_TRUE(rememberGhost(ghost_));
   ASSERT_TRUE(rememberGhost(second));
-  EXPECT_THAT(livingGhosts({loop_}), ElementsAre(ghost_, second));
+  EXPECT_THAT(living(), ElementsAre(ghost_, second));
 }
 
 TEST_F(Ghosts, AreForgottenOneByOne) {
@@ -126,7 +134,7 @@ TEST_F(Ghosts, AreForgottenOneByOne) {
   ASSERT_TRUE(rememberGhost(ghost_));
   ASSERT_TRUE(rememberGhost(second));
   forgetGhost(ghost_);
-  EXPECT_THAT(livingGhosts({loop_}), ElementsAre(second));
+  EXPECT_THAT(living(), ElementsAre(second));
   forgetGhost(ghost_);
 }
 
@@ -147,7 +155,7 @@ TEST_F(Ghosts, DamagedRecordsAreRemoved) {
     } else {
       std::ofstream(onlyRecord(), std::ios::binary) << damage;
     }
-    EXPECT_THAT(livingGhosts({loop_}), IsEmpty()) << damage;
+    EXPECT_THAT(living(), IsEmpty()) << damage;
     EXPECT_THAT(records(), IsEmpty()) << damage;
   }
 }
@@ -158,7 +166,7 @@ TEST_F(Ghosts, ARecordCutShortAnywhereIsNoGhost) {
   for (std::size_t kept = 0; kept < length; ++kept) {
     ASSERT_TRUE(rememberGhost(ghost_));
     std::filesystem::resize_file(onlyRecord(), kept);
-    EXPECT_THAT(livingGhosts({loop_}), IsEmpty()) << kept;
+    EXPECT_THAT(living(), IsEmpty()) << kept;
   }
 }
 
@@ -169,7 +177,7 @@ TEST_F(Ghosts, APlantedLinkIsRemovedAndNotFollowed) {
   const auto target = elsewhere.path() + "/target";
   std::filesystem::rename(path, target);
   ASSERT_EQ(symlink(target.c_str(), path.c_str()), 0);
-  EXPECT_THAT(livingGhosts({loop_}), IsEmpty());
+  EXPECT_THAT(living(), IsEmpty());
   EXPECT_THAT(records(), IsEmpty());
   EXPECT_TRUE(std::filesystem::exists(target));
 }
@@ -179,15 +187,52 @@ TEST_F(Ghosts, APlantedPipeHoldsNobodyUp) {
   const auto path = onlyRecord();
   unlink(path.c_str());
   ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
-  EXPECT_THAT(livingGhosts({loop_}), IsEmpty());
+  EXPECT_THAT(living(), IsEmpty());
   EXPECT_THAT(records(), IsEmpty());
 }
 
 TEST_F(Ghosts, OtherFilesInTheFolderAreLeftAlone) {
   ASSERT_TRUE(rememberGhost(ghost_));
   std::ofstream(folder() + "/loop3-41-512.new") << "half";
-  EXPECT_THAT(livingGhosts({}), IsEmpty());
+  block_.release("loop3");
+  EXPECT_THAT(living(), IsEmpty());
   EXPECT_THAT(records(), ElementsAre(folder() + "/loop3-41-512.new"));
+}
+
+TEST_F(Ghosts, KeepThatTheyWereUnmountedCleanly) {
+  Ghost ghost = ghost_;
+  ghost.unmounted = true;
+  ASSERT_TRUE(rememberGhost(ghost));
+  EXPECT_THAT(living(), ElementsAre(ghost));
+}
+
+TEST_F(Ghosts, SurviveAListOfDevicesThatCannotBeRead) {
+  ASSERT_TRUE(rememberGhost(ghost_));
+  EXPECT_THAT(livingGhosts(block_.path() + "/none"), IsEmpty());
+  EXPECT_THAT(living(), ElementsAre(ghost_));
+}
+
+TEST_F(Ghosts, LiveWhereTheImagesPathCannotBeRead) {
+  ASSERT_TRUE(rememberGhost(ghost_));
+  block_.attach("loop3", "", "41\n");
+  EXPECT_THAT(living(), ElementsAre(ghost_));
+}
+
+TEST_F(Ghosts, SurviveASequenceThatCannotBeRead) {
+  ASSERT_TRUE(rememberGhost(ghost_));
+  block_.attach("loop3", "", "");
+  EXPECT_THAT(living(), IsEmpty());
+  block_.attach("loop3", ghost_.imagePath + "\n", "41\n");
+  EXPECT_THAT(living(), ElementsAre(ghost_));
+}
+
+TEST_F(Ghosts, ARecordThatCannotBeOpenedIsLeftAlone) {
+  ASSERT_TRUE(rememberGhost(ghost_));
+  const auto path = onlyRecord();
+  unlink(path.c_str());
+  ASSERT_EQ(mknod(path.c_str(), S_IFSOCK | 0600, 0), 0);
+  EXPECT_THAT(living(), IsEmpty());
+  EXPECT_THAT(records(), ElementsAre(path));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <memory>
 #include <string_view>
@@ -13,6 +14,8 @@
 
 namespace quillmont {
 namespace {
+
+constexpr std::string_view kDeletedMark = " (deleted)";
 
 template <class Number>
 std::optional<Number> number(std::string_view text) {
@@ -36,27 +39,40 @@ std::optional<std::string> attribute(const std::string& path) {
   return std::move(*text);
 }
 
-bool exists(const std::string& path) {
+/// 0 if something is there, else the number of the error.
+int lookAt(const std::string& path) {
   struct statx status = {};
-  return statx(AT_FDCWD, path.c_str(), AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC,
-               STATX_TYPE, &status) == 0;
+  constexpr int flags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
+  return statx(AT_FDCWD, path.c_str(), flags, STATX_TYPE, &status) == 0 ? 0 : errno;
 }
 
 /// The kernel's mark for a deleted file looks like a part of the name; a file that is still there
 /// under the whole name carries no mark.
-std::string withoutDeletedMark(std::string path) {
-  constexpr std::string_view mark = " (deleted)";
-  if (path.ends_with(mark) && !exists(path)) path.resize(path.size() - mark.size());
-  return path;
+bool takeDeletedMark(std::string& path) {
+  if (!path.ends_with(kDeletedMark) || lookAt(path) == 0) return false;
+  path.resize(path.size() - kDeletedMark.size());
+  return true;
+}
+
+std::optional<std::string> readBackingFile(const std::string& folder) {
+  auto backingFile = attribute(folder + "/loop/backing_file");
+  if (!backingFile || !backingFile->starts_with('/')) return std::nullopt;
+  return backingFile;
+}
+
+std::optional<std::uint64_t> readSequence(const std::string& folder) {
+  const auto sequence = attribute(folder + "/diskseq");
+  return sequence ? number<std::uint64_t>(*sequence) : std::nullopt;
 }
 
 std::optional<LoopDevice> readLoopDevice(const std::string& folder, const std::string& name) {
-  auto backingFile = attribute(folder + "/loop/backing_file");
-  if (!backingFile || !backingFile->starts_with('/')) return std::nullopt;
-  LoopDevice loop{name, withoutDeletedMark(std::move(*backingFile)), 0};
-  if (const auto sequence = attribute(folder + "/diskseq")) {
-    loop.sequence = number<std::uint64_t>(*sequence).value_or(0);
-  }
+  auto backingFile = readBackingFile(folder);
+  if (!backingFile) return std::nullopt;
+  LoopDevice loop;
+  loop.name = name;
+  loop.deleted = takeDeletedMark(*backingFile);
+  loop.backingFile = std::move(*backingFile);
+  loop.sequence = readSequence(folder).value_or(0);
   return loop;
 }
 
@@ -77,6 +93,19 @@ std::vector<LoopDevice> attachedLoopDevices(const std::string& sysBlock) {
     if (auto loop = readLoopDevice(sysBlock + "/" + name, name)) loops.push_back(std::move(*loop));
   }
   return loops;
+}
+
+LoopState loopState(const std::string& loopName, const std::string& sysBlock) {
+  const std::string folder = sysBlock + "/" + loopName;
+  LoopState state;
+  const int error = lookAt(folder + "/loop");
+  if (error == ENOENT && lookAt(sysBlock) == 0) state.kind = LoopState::Kind::released;
+  if (error != 0) return state;
+  state.kind = LoopState::Kind::attached;
+  state.sequence = readSequence(folder);
+  state.backingFile = readBackingFile(folder);
+  if (state.backingFile) takeDeletedMark(*state.backingFile);
+  return state;
 }
 
 }  // namespace quillmont

@@ -51,13 +51,35 @@ TEST_F(DiskImageDetach, AForcedDetachCostsAWriterNothing) {
   EXPECT_EQ(testing::run({"e2fsck", "-f", "-n", image}).status, 0);
 }
 
-TEST_F(DiskImageDetach, ABusyPartitionKeepsTheOthersFromNothing) {
+TEST_F(DiskImageDetach, ABusyPartitionKeepsThePlacesOfTheOthersListed) {
   const auto image = images_.makePartitioned("a.img", {"Quill P1", "Quill P2"});
   attach(image);
   Descriptor held(open(DiskImages::realPlace("Quill P1").c_str(), O_RDONLY | O_CLOEXEC));
   detach("/Volumes/Quill P2");
-  EXPECT_EQ(listed(image), (std::vector<std::string>{"", "/Volumes/Quill P1", ""}));
+  EXPECT_EQ(listed(image),
+            (std::vector<std::string>{"", "/Volumes/Quill P1", "/Volumes/Quill P2"}));
   held.reset();
+  EXPECT_TRUE(eventually([&] { return !listed(image); }, 5s));
+}
+
+TEST_F(DiskImageDetach, WhoUsesTheSecondVolumeUsesTheImage) {
+  const auto image = images_.makePartitioned("a.img", {"Quill One", "Quill Two"});
+  attach(image);
+  const auto users = [this] {
+    return testing::run(
+               {QUILLMONT_BUNDLE "/Contents/libexec/lsof", "-F", "cpn", "/Volumes/Quill One"},
+               images_.environment())
+        .standardOutput;
+  };
+  EXPECT_EQ(users(), "");
+  std::ofstream writer(DiskImages::realPlace("Quill Two") + "/log");
+  const auto own = "p" + std::to_string(getpid()) + "\n";
+  EXPECT_THAT(users(), HasSubstr(own));
+  detach("/Volumes/Quill One");
+  EXPECT_EQ(listed(image),
+            (std::vector<std::string>{"", "/Volumes/Quill One", "/Volumes/Quill Two"}));
+  EXPECT_THAT(users(), HasSubstr(own));
+  writer.close();
   EXPECT_TRUE(eventually([&] { return !listed(image); }, 5s));
 }
 
@@ -126,6 +148,23 @@ TEST_F(DiskImageDetach, AnImageWithSomethingElseMountedInsideIsLeftWhole) {
   expectGone(outer);
 }
 
+TEST_F(DiskImageDetach, AnImageThatHoldsAnotherAttachedImageIsLeftWhole) {
+  const auto outer = images_.makeExt4("a.img", "Quill Around", 64);
+  attach(outer);
+  const auto inner = DiskImages::realPlace("Quill Around") + "/b.img";
+  std::filesystem::copy_file(images_.makeExt4("b.img", "Quill Within"), inner);
+  attach(inner);
+  const auto outcome = images_.detach("/Volumes/Quill Around");
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.standardError,
+            "hdiutil: detach failed - Device or resource busy: it holds another attached image, " +
+                inner + "\n");
+  EXPECT_EQ(listed(outer), std::vector<std::string>{"/Volumes/Quill Around"});
+  detach("/Volumes/Quill Within");
+  detach("/Volumes/Quill Around");
+  expectGone(outer);
+}
+
 TEST_F(DiskImageDetach, BindMountsOfAFolderAreNoVolumesAndGoWithTheImage) {
   const auto image = images_.makeExt4("a.img", "Quill Bind");
   attach(image);
@@ -148,7 +187,7 @@ TEST_F(DiskImageDetach, DetachesByTheRealPlaceAndByTheDeviceToo) {
   expectGone(image);
 }
 
-TEST_F(DiskImageDetach, ANamespaceThatKeepsTheVolumeDoesNotHoldUpTheDetach) {
+TEST_F(DiskImageDetach, ANamespaceThatKeepsTheVolumeDoesNotHoldUpTheDetachButKeepsItsPlaceListed) {
   const auto image = images_.makeExt4("a.img", "Quill Space");
   attach(image);
   const auto elsewhere = images_.path() + "/elsewhere";
@@ -158,7 +197,8 @@ TEST_F(DiskImageDetach, ANamespaceThatKeepsTheVolumeDoesNotHoldUpTheDetach) {
                           DiskImages::realPlace("Quill Space"), elsewhere});
   ASSERT_TRUE(other.waitForOutput("ready", 5s));
   detach("/Volumes/Quill Space");
-  EXPECT_EQ(listed(image), std::vector<std::string>{""});
+  EXPECT_FALSE(std::filesystem::exists(DiskImages::realPlace("Quill Space")));
+  EXPECT_EQ(listed(image), std::vector<std::string>{"/Volumes/Quill Space"});
   other.signal(SIGKILL);
   EXPECT_TRUE(eventually([&] { return !listed(image); }, 5s));
 }

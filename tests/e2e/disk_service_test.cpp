@@ -29,7 +29,7 @@ using ::testing::SizeIs;
 using ::testing::StartsWith;
 
 constexpr uid_t kUser = 65534;   // "nobody", whom the rule below allows what a desktop allows
-constexpr uid_t kStranger = 1;   // whom nothing is allowed
+constexpr uid_t kStranger = 1;   // "daemon", who may detach what others attached, and no more
 constexpr char kBus[] = "/bus";  // in the laboratory's folder
 
 /// Starts bus, device manager, authority and disk service in namespaces of their own: their folders
@@ -62,8 +62,23 @@ polkit.addRule(function(action, subject) {
   if (subject.user == "nobody" && (action.id == "org.freedesktop.udisks2.loop-setup" ||
                                    action.id == "org.freedesktop.udisks2.filesystem-mount"))
     return polkit.Result.YES;
+  if (subject.user == "daemon" && (action.id == "org.freedesktop.udisks2.loop-delete-others" ||
+                                   action.id == "org.freedesktop.udisks2.filesystem-unmount-others"))
+    return polkit.Result.YES;
 });
 )js";
+
+/// Mounts the image $1 as soon as a device carries it.
+constexpr char kAutomounter[] = R"sh(
+mkdir -p /media/nobody/Quick && echo watching
+while :; do
+  for attribute in /sys/block/loop*/loop/backing_file; do
+    read -r file 2>/dev/null <"$attribute" && [ "$file" = "$1" ] || continue
+    device=${attribute#/sys/block/}
+    mount "/dev/${device%%/*}" /media/nobody/Quick && exit 0
+  done
+done 2>/dev/null
+)sh";
 
 class Laboratory {
  public:
@@ -109,6 +124,13 @@ class Laboratory {
     return testing::run(command, {{"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + folder_.path() + kBus},
                                   {"XDG_RUNTIME_DIR", home},
                                   {"HOME", home}});
+  }
+
+  /// Starts a program in the laboratory as the superuser.
+  std::unique_ptr<Program> start(const std::vector<std::string>& arguments) const {
+    std::vector<std::string> command = {"nsenter", "--mount", "--pid", "--target", child()};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return std::make_unique<Program>(command);
   }
 
   /// A path of the laboratory as seen from outside of it.
@@ -234,10 +256,42 @@ TEST_F(DiskService, ItsRefusalIsHandedOnWithoutAskingForAPassword) {
 TEST_F(DiskService, TheVolumesOfOthersStay) {
   const auto image = imageOfUser("Quill Other");
   ASSERT_EQ(laboratory_->tool({"attach", image}).status, 0);
+  // May he look and does the service say yes to him, he is refused all the same.
+  ASSERT_EQ(chmod(laboratory_->inside("/media/nobody").c_str(), 0755), 0);
   const auto outcome = laboratory_->tool({"detach", "/media/nobody/Quill Other"}, kStranger);
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_THAT(outcome.standardError, StartsWith("hdiutil: detach failed - "));
+  EXPECT_EQ(outcome.standardError, "hdiutil: detach failed - attached by another user\n");
   EXPECT_TRUE(listsPlace("/Volumes/Quill Other"));
+}
+
+TEST_F(DiskService, AnImageInThePlaceOfADeletedOneIsRefused) {
+  const auto image = imageOfUser("Quill Old");
+  ASSERT_EQ(testing::run({"losetup", "--find", image}).status, 0);
+  std::filesystem::remove(image);
+  imageOfUser("Quill New");
+  const auto outcome = laboratory_->tool({"attach", image});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.standardError, HasSubstr("may carry this image already"));
+  EXPECT_THAT(DiskImages::loopsOf(image), SizeIs(1));
+}
+
+TEST_F(DiskService, TheOwnerDetachesAnImageThatWasDeleted) {
+  const auto image = imageOfUser("Quill Deleted");
+  ASSERT_EQ(laboratory_->tool({"attach", image}).status, 0);
+  std::filesystem::remove(image);
+  const auto outcome = laboratory_->tool({"detach", "/Volumes/Quill Deleted"});
+  EXPECT_EQ(outcome.status, 0) << outcome.standardError;
+  EXPECT_FALSE(listsPlace("/Volumes/Quill Deleted"));
+}
+
+TEST_F(DiskService, AnAutomounterThatIsQuickerDoesNoHarm) {
+  const auto image = imageOfUser("Quill Quick");
+  const auto automounter = laboratory_->start({"sh", "-c", kAutomounter, "sh", image});
+  ASSERT_TRUE(automounter->waitForOutput("watching", 5s));
+  const auto outcome = laboratory_->tool({"attach", image});
+  EXPECT_EQ(automounter->waitForExit(10s), 0) << automounter->output();
+  EXPECT_EQ(outcome.status, 0) << outcome.standardError;
+  EXPECT_THAT(outcome.standardOutput, HasSubstr("\t/Volumes/Quick\n"));
 }
 
 TEST(DiskServiceMissing, WithoutASystemBusAttachingAndDetachingFailWithAReason) {

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "platform/Result.h"
+#include "platform/linux/image_devices.h"
 #include "platform/linux/loop_devices.h"
 #include "platform/linux/tools/hdiutil/ImageFile.h"
-#include "platform/linux/tools/hdiutil/image_devices.h"
 #include "platform/linux/tools/hdiutil/probe.h"
 
 namespace quillmont {
@@ -29,9 +29,10 @@ class ImageControl {
  public:
   virtual ~ImageControl() = default;
 
-  /// Whether `loop` carries this very file, by whatever name. If so it will not be released before
-  /// this object goes, where that can be had.
-  virtual bool carries(const LoopDevice& loop, const ImageFile& image) = 0;
+  /// The name of the loop device that carries this very file, under whatever name; empty if none
+  /// does. It will not be released before this object goes, where that can be had. Failure: it
+  /// cannot be told, and a second device for one file would lose data.
+  virtual Result<std::string> deviceOf(const ImageFile& image) = 0;
 
   /// Sets up a loop device for `image` and returns its name.
   virtual Result<std::string> setUp(const ImageFile& image) = 0;

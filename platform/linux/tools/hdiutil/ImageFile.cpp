@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <chrono>
 #include <cstdlib>
 #include <memory>
 #include <thread>
@@ -35,12 +34,22 @@ Result<ImageFile> ImageFile::open(const std::string& path) {
   return image;
 }
 
-AttachmentTurn::AttachmentTurn(const ImageFile& image)
-    : file_(::open(image.path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW)) {
-  for (int tries = 0; file_ && tries < 200; ++tries) {
-    if (flock(file_.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return;
+Result<AttachmentTurn> AttachmentTurn::take(const ImageFile& image,
+                                            std::chrono::milliseconds limit) {
+  // Of the file itself: its path may lead to another one by now.
+  const std::string itself = "/proc/self/fd/" + std::to_string(image.file.get());
+  Descriptor file(::open(itself.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  if (!file) return systemError("cannot lock " + image.path, errno);
+  const auto end = std::chrono::steady_clock::now() + limit;
+  while (flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
+    if (errno == EINTR) continue;
+    if (errno != EWOULDBLOCK) break;
+    if (std::chrono::steady_clock::now() > end) {
+      return Error{"another attach of this image is under way"};
+    }
     std::this_thread::sleep_for(std::chrono::milliseconds(25));
   }
+  return AttachmentTurn(std::move(file));
 }
 
 }  // namespace quillmont

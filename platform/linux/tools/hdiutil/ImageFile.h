@@ -3,7 +3,9 @@
 
 #include <sys/stat.h>
 
+#include <chrono>
 #include <string>
+#include <utility>
 
 #include "platform/Result.h"
 #include "platform/posix/Descriptor.h"
@@ -22,13 +24,20 @@ struct ImageFile {
 };
 
 /// Keeps other attachments of the same image away as long as it lives, so that no two loop devices
-/// ever carry one file: they would write over each other. Waits a few seconds for its turn and
-/// goes without where the file system knows no locks.
+/// ever carry one file: they would write over each other.
 class AttachmentTurn {
  public:
-  explicit AttachmentTurn(const ImageFile& image);
+  /// Longer than the disk service may take to mount a volume.
+  static constexpr std::chrono::milliseconds kLongestWait = std::chrono::seconds(90);
+
+  /// Blocks until it is our turn; goes without where the file system knows no locks. Failure:
+  /// somebody else still attaches the image after `limit`.
+  static Result<AttachmentTurn> take(const ImageFile& image,
+                                     std::chrono::milliseconds limit = kLongestWait);
 
  private:
+  explicit AttachmentTurn(Descriptor file) : file_(std::move(file)) {}
+
   // Not the image's own descriptor: that one lives on in the loop device, and its lock with it.
   Descriptor file_;
 };

@@ -11,6 +11,7 @@
 #include <filesystem>
 
 #include "platform/linux/tools/hdiutil/loop_control.h"
+#include "platform/linux/tools/hdiutil/loop_search.h"
 #include "platform/linux/tools/hdiutil/mount_folders.h"
 #include "platform/posix/errors.h"
 
@@ -54,11 +55,18 @@ Result<std::string> folderFor(const ImageVolume& volume, const std::string& plac
 
 }  // namespace
 
-bool KernelImages::carries(const LoopDevice& loop, const ImageFile& image) {
-  Descriptor device = openLoop(loop.name);
-  if (!device || !loopCarries(device, image.status)) return false;
-  open_.insert_or_assign(loop.name, std::move(device));
-  return true;
+Result<std::string> KernelImages::deviceOf(const ImageFile& image) {
+  auto unopened = attachedLoopDevices();
+  for (const auto& name : attachedLoopNames()) {
+    Descriptor device = openLoop(name);
+    if (!device) continue;
+    if (loopCarries(device, image.status)) {
+      open_.insert_or_assign(name, std::move(device));
+      return name;
+    }
+    std::erase_if(unopened, [&name](const LoopDevice& loop) { return loop.name == name; });
+  }
+  return findLoopOf(image, unopened);
 }
 
 Result<std::string> KernelImages::setUp(const ImageFile& image) {
@@ -103,8 +111,8 @@ void KernelImages::releaseWithLastUnmount(const std::string& loopName) {
 }
 
 void KernelImages::release(const LoopDevice& loop) {
+  releaseLoop(loop);  // first: while it is open it cannot become another image's
   open_.erase(loop.name);
-  releaseLoop(loop);
 }
 
 }  // namespace quillmont

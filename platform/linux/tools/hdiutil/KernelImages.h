@@ -9,7 +9,7 @@ namespace quillmont {
 
 class KernelImages : public ImageControl {
  public:
-  bool carries(const LoopDevice& loop, const ImageFile& image) override;
+  Result<std::string> deviceOf(const ImageFile& image) override;
   Result<std::string> setUp(const ImageFile& image) override;
   Result<std::string> mount(const std::string& loopName, const ImageVolume& volume,
                             const std::string& place,

@@ -1,8 +1,12 @@
 #include "platform/linux/tools/hdiutil/UDisks.h"
 
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <systemd/sd-bus.h>
 
 #include <algorithm>
+#include <cstdio>
+#include <filesystem>
 
 #include "platform/posix/errors.h"
 
@@ -27,11 +31,33 @@ std::string oneLine(std::string text) {
   return text;
 }
 
-std::string objectOf(const std::string& device) {
-  return kDevices + device;
+bool isLetterOrDigit(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
 }
 
 }  // namespace
+
+std::string kernelName(const std::string& node) {
+  struct stat status = {};
+  if (stat(node.c_str(), &status) == 0 && S_ISBLK(status.st_mode)) {
+    const std::string number =
+        std::to_string(major(status.st_rdev)) + ":" + std::to_string(minor(status.st_rdev));
+    std::error_code error;
+    const auto device = std::filesystem::canonical("/sys/dev/block/" + number, error);
+    if (!error) return device.filename();
+  }
+  return node.substr(node.rfind('/') + 1);
+}
+
+std::string UDisks::objectOf(const std::string& device) {
+  std::string object = kDevices;
+  for (const char c : device) {
+    char escaped[4] = "";
+    std::snprintf(escaped, sizeof escaped, "_%02x", static_cast<unsigned char>(c));
+    object += isLetterOrDigit(c) || c == '_' ? std::string(1, c) : escaped;
+  }
+  return object;
+}
 
 Result<UDisks> UDisks::connect() {
   sd_bus* bus = nullptr;
@@ -127,6 +153,18 @@ Result<void> UDisks::deleteLoop(const std::string& loop) {
   if (call) appendOptions(call.get(), {});
   const auto reply = send(call);
   return reply ? Result<void>() : Error{reply.errorText()};
+}
+
+Result<uid_t> UDisks::ownerOf(const std::string& loop) {
+  const auto call = newCall(objectOf(loop), "org.freedesktop.DBus.Properties", "Get");
+  if (call) sd_bus_message_append(call.get(), "ss", kLoop, "SetupByUID");
+  const auto reply = send(call);
+  if (!reply) return Error{reply.errorText()};
+  std::uint32_t user = 0;
+  if (sd_bus_message_read(reply->get(), "v", "u", &user) < 0) {
+    return Error{"the disk service does not say who attached /dev/" + loop};
+  }
+  return uid_t{user};
 }
 
 }  // namespace quillmont

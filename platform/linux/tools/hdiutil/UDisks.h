@@ -1,6 +1,8 @@
 // The disk service of the desktop, UDisks2, on the system bus.
 #pragma once
 
+#include <sys/types.h>
+
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -32,8 +34,19 @@ class UDisks {
   Result<void> setAutoclear(const std::string& loop);
   Result<void> deleteLoop(const std::string& loop);
 
+  /// The user who set up the loop device.
+  Result<uid_t> ownerOf(const std::string& loop);
+
   /// Whether the last call failed because somebody uses the volume.
   bool wasBusy() const { return errorName_ == "org.freedesktop.UDisks2.Error.DeviceBusy"; }
+
+  /// Whether the last call failed because the device has been mounted meanwhile.
+  bool wasMountedAlready() const {
+    return errorName_ == "org.freedesktop.UDisks2.Error.AlreadyMounted";
+  }
+
+  /// The service's object of a device: "dm-0" is ".../dm_2d0".
+  static std::string objectOf(const std::string& device);
 
  private:
   using Bus = std::unique_ptr<sd_bus, sd_bus* (*)(sd_bus*)>;
@@ -47,5 +60,8 @@ class UDisks {
   Bus bus_;
   std::string errorName_;
 };
+
+/// The kernel's own name of the device with this node: "dm-0" for "/dev/mapper/backup".
+std::string kernelName(const std::string& node);
 
 }  // namespace quillmont

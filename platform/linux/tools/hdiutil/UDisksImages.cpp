@@ -5,8 +5,8 @@
 #include <chrono>
 #include <thread>
 
-#include "platform/linux/tools/hdiutil/KernelImages.h"
 #include "platform/linux/tools/hdiutil/loop_control.h"
+#include "platform/linux/tools/hdiutil/loop_search.h"
 
 namespace quillmont {
 namespace {
@@ -16,16 +16,28 @@ using namespace std::chrono_literals;
 /// How long the service may take to look at a new device.
 constexpr auto kLongestLook = 5s;
 
+/// Where somebody else, an automounter say, has mounted the device; empty if nobody has.
+std::string placeOfDevice(const std::string& device) {
+  const auto mounts = readMountTable();
+  std::string place;
+  for (const auto& volume : mounts ? imageMounts(*mounts) : std::vector<VolumeMount>()) {
+    if (isVolume(volume.mount) && kernelName(volume.deviceNode) == device) {
+      place = volume.mount.mountPoint;
+    }
+  }
+  return place;
+}
+
 }  // namespace
 
-bool UDisksImages::carries(const LoopDevice& loop, const ImageFile& image) {
-  struct stat status = {};
-  return stat(loop.backingFile.c_str(), &status) == 0 && status.st_dev == image.status.st_dev &&
-         status.st_ino == image.status.st_ino;
+Result<std::string> UDisksImages::deviceOf(const ImageFile& image) {
+  return findLoopOf(image, attachedLoopDevices());
 }
 
 Result<std::string> UDisksImages::setUp(const ImageFile& image) {
-  return service_.setUpLoop(image.file.get(), image.readOnly);
+  auto loopName = service_.setUpLoop(image.file.get(), image.readOnly);
+  if (loopName) setUp_ = *loopName;
+  return loopName;
 }
 
 Result<std::string> UDisksImages::mount(const std::string& loopName, const ImageVolume& volume,
@@ -35,12 +47,15 @@ Result<std::string> UDisksImages::mount(const std::string& loopName, const Image
   while (!service_.canMount(device) && std::chrono::steady_clock::now() < end) {
     std::this_thread::sleep_for(50ms);
   }
-  return service_.mount(device);
+  auto place = service_.mount(device);
+  if (place || !service_.wasMountedAlready()) return place;
+  const auto there = placeOfDevice(device);
+  return there.empty() ? place : there;
 }
 
 UnmountOutcome UDisksImages::unmount(const VolumeMount& volume, Unmounting manner) {
-  const std::string device = volume.deviceNode.substr(volume.deviceNode.rfind('/') + 1);
-  const auto done = service_.unmount(device, manner == Unmounting::lazily);
+  if (const auto ours = checkOwner(volume.loopName); !ours) return {false, false, ours.errorText()};
+  const auto done = service_.unmount(kernelName(volume.deviceNode), manner == Unmounting::lazily);
   if (done) return {true, false, {}};
   return {false, service_.wasBusy(), done.errorText()};
 }
@@ -51,16 +66,16 @@ void UDisksImages::releaseWithLastUnmount(const std::string& loopName) {
 }
 
 void UDisksImages::release(const LoopDevice& loop) {
-  if (!isAttached(loop)) return;
+  if (!isAttached(loop) || !checkOwner(loop.name)) return;
   if (service_.setAutoclear(loop.name) && !isAttached(loop)) return;
   static_cast<void>(static_cast<bool>(service_.deleteLoop(loop.name)));
 }
 
-Result<std::unique_ptr<ImageControl>> imageControl() {
-  if (geteuid() == 0) return std::unique_ptr<ImageControl>(std::make_unique<KernelImages>());
-  auto service = UDisks::connect();
-  if (!service) return Error{service.errorText()};
-  return std::unique_ptr<ImageControl>(std::make_unique<UDisksImages>(std::move(*service)));
+Result<void> UDisksImages::checkOwner(const std::string& loopName) {
+  if (loopName == setUp_) return {};
+  const auto owner = service_.ownerOf(loopName);
+  if (!owner) return Error{owner.errorText()};
+  return *owner == getuid() ? Result<void>() : Error{"attached by another user"};
 }
 
 }  // namespace quillmont

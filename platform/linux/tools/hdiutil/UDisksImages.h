@@ -10,7 +10,7 @@ class UDisksImages : public ImageControl {
  public:
   explicit UDisksImages(UDisks service) : service_(std::move(service)) {}
 
-  bool carries(const LoopDevice& loop, const ImageFile& image) override;
+  Result<std::string> deviceOf(const ImageFile& image) override;
   Result<std::string> setUp(const ImageFile& image) override;
   /// The service chooses the place.
   Result<std::string> mount(const std::string& loopName, const ImageVolume& volume,
@@ -21,7 +21,11 @@ class UDisksImages : public ImageControl {
   void release(const LoopDevice& loop) override;
 
  private:
+  /// Failure: somebody else attached that image, whatever the service would allow us.
+  Result<void> checkOwner(const std::string& loopName);
+
   UDisks service_;
+  std::string setUp_;  ///< the device that this object set up; the service notes owners late
 };
 
 }  // namespace quillmont

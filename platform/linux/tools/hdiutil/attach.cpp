@@ -11,8 +11,15 @@ std::string placeOf(const std::vector<Ghost>& ghosts, const std::string& node) {
   return ghost == ghosts.end() ? std::string() : ghost->mountPoint;
 }
 
-std::vector<std::string> takenBut(std::vector<std::string> taken, const std::string& place) {
-  if (!place.empty()) std::erase(taken, place);
+/// `taken` without what the ghosts themselves take of `place`. Another volume that was mounted
+/// there meanwhile keeps it.
+std::vector<std::string> takenBut(std::vector<std::string> taken, const std::vector<Ghost>& ghosts,
+                                  const std::string& place) {
+  for (const auto& ghost : ghosts) {
+    if (ghost.mountPoint != place) continue;
+    const auto own = std::find(taken.begin(), taken.end(), place);
+    if (own != taken.end()) taken.erase(own);
+  }
   return taken;
 }
 
@@ -28,7 +35,7 @@ Result<Attachment> mountVolumes(const std::string& loopName, const ImageFile& im
   for (const auto& volume : *volumes) {
     const std::string node = "/dev/" + deviceName(loopName, volume.partition);
     const std::string before = placeOf(ghosts, node);
-    const auto place = control.mount(loopName, volume, before, takenBut(taken, before));
+    const auto place = control.mount(loopName, volume, before, takenBut(taken, ghosts, before));
     if (!place) {
       attachment.warnings.push_back(place.errorText());
       continue;
@@ -40,14 +47,28 @@ Result<Attachment> mountVolumes(const std::string& loopName, const ImageFile& im
   return attachment;
 }
 
-Attachment asMounted(const AttachedImage& image, const std::vector<VolumeMount>& mounts) {
+/// `mounts` come with the latest first.
+Attachment asMounted(const std::vector<VolumeMount>& mounts) {
   Attachment attachment;
-  for (const auto& entity : image.entities) {
-    const bool mounted = std::any_of(mounts.begin(), mounts.end(), [&entity](const auto& volume) {
-      return volume.mount.mountPoint == entity.mountPoint;
-    });
-    if (mounted) attachment.mounted.push_back(entity);
+  auto& found = attachment.mounted;
+  for (auto volume = mounts.rbegin(); volume != mounts.rend(); ++volume) {
+    const ImageEntity entity{volume->deviceNode, volume->mount.mountPoint};
+    if (isVolume(volume->mount) && std::find(found.begin(), found.end(), entity) == found.end()) {
+      found.push_back(entity);
+    }
   }
+  return attachment;
+}
+
+/// The volumes of an image that is attached already.
+Result<Attachment> attachAgain(const std::string& loopName, const ImageFile& image,
+                               const ImageTable& table, ImageControl& control) {
+  const auto mounts = table.mountsOf(loopName);
+  auto before = asMounted(mounts);
+  if (!before.mounted.empty()) return before;
+  if (!mounts.empty()) return Error{"attached already, and a part of it is mounted"};
+  auto attachment = mountVolumes(loopName, image, table, control);
+  if (attachment) control.releaseWithLastUnmount(loopName);
   return attachment;
 }
 
@@ -75,17 +96,13 @@ Result<Attachment> attachAnew(const ImageFile& image, const ImageTable& table,
 Result<Attachment> attachImage(const std::string& path, ImageControl& control) {
   const auto image = ImageFile::open(path);
   if (!image) return Error{image.errorText()};
-  const AttachmentTurn turn(*image);
+  const auto turn = AttachmentTurn::take(*image);
+  if (!turn) return Error{turn.errorText()};
+  const auto loopName = control.deviceOf(*image);
+  if (!loopName) return Error{loopName.errorText()};
   const auto table = ImageTable::read();
   if (!table) return Error{table.errorText()};
-  for (const auto& attached : table->images()) {
-    if (!control.carries(attached.loop, *image)) continue;
-    const auto mounts = table->mountsOf(attached.loop.name);
-    auto before = asMounted(attached, mounts);
-    if (!before.mounted.empty()) return before;
-    if (!mounts.empty()) return Error{"attached already, and a part of it is mounted"};
-    return mountVolumes(attached.loop.name, *image, *table, control);
-  }
+  if (!loopName->empty()) return attachAgain(*loopName, *image, *table, control);
   return attachAnew(*image, *table, control);
 }
 

@@ -10,7 +10,7 @@
 #include <chrono>
 #include <optional>
 
-#include "platform/linux/tools/hdiutil/ImageTable.h"
+#include "platform/linux/ImageTable.h"
 #include "platform/linux/tools/hdiutil/loop_control.h"
 #include "platform/posix/errors.h"
 
@@ -39,15 +39,18 @@ bool isStillMounted(const Mount& mount) {
   });
 }
 
-Ghost ghostOf(const VolumeMount& volume, const LoopDevice& loop, const struct statx& root) {
-  return {.loopName = loop.name,
-          .loopSequence = loop.sequence,
-          .imagePath = loop.backingFile,
-          .deviceNode = volume.deviceNode,
-          .mountPoint = volume.mount.mountPoint,
-          .mountId = static_cast<std::uint64_t>(volume.mount.id),
-          .superDevice = makedev(volume.mount.deviceMajor, volume.mount.deviceMinor),
-          .statDevice = makedev(root.stx_dev_major, root.stx_dev_minor)};
+Ghost ghostOf(const VolumeMount& volume, const LoopDevice& loop,
+              const std::optional<struct statx>& root) {
+  Ghost ghost;
+  ghost.loopName = loop.name;
+  ghost.loopSequence = loop.sequence;
+  ghost.imagePath = loop.backingFile;
+  ghost.deviceNode = volume.deviceNode;
+  ghost.mountPoint = volume.mount.mountPoint;
+  ghost.mountId = static_cast<std::uint64_t>(volume.mount.id);
+  ghost.superDevice = makedev(volume.mount.deviceMajor, volume.mount.deviceMinor);
+  if (root) ghost.statDevice = makedev(root->stx_dev_major, root->stx_dev_minor);
+  return ghost;
 }
 
 void writeOut(const std::string& mountPoint) {
@@ -56,33 +59,94 @@ void writeOut(const std::string& mountPoint) {
   if (root) syncfs(root.get());
 }
 
-/// The record comes before the deed: from the moment the mount table forgets the volume, the record
-/// is all that tells of it.
-UnmountOutcome unmountLazily(const VolumeMount& volume, const LoopDevice& loop,
-                             const struct statx& root, ImageControl& control) {
-  writeOut(volume.mount.mountPoint);
-  const Ghost ghost = ghostOf(volume, loop, root);
-  if (const auto remembered = rememberGhost(ghost); !remembered) {
-    return {false, true, "in use, and no record of that can be kept: " + remembered.errorText()};
-  }
-  auto outcome = control.unmount(volume, Unmounting::lazily);
-  if (!outcome.done) forgetGhost(ghost);
-  return outcome;
+/// One image on its way out.
+class Detachment {
+ public:
+  /// `lingers` tells that the image will stay attached in any case.
+  Detachment(const LoopDevice& loop, bool lingers, bool force, ImageControl& control)
+      : loop_(loop), lingers_(lingers), force_(force), control_(control) {}
+
+  Result<void> run(const std::vector<VolumeMount>& volumes);
+
+ private:
+  Result<void> unmountAll(const std::vector<VolumeMount>& volumes);
+  Result<void> unmount(const VolumeMount& volume);
+  Result<void> unmountLazily(const VolumeMount& volume, const Ghost& ghost);
+  void noteUnmounted(const VolumeMount& volume, Ghost ghost);
+  Result<void> rememberUnmounted() const;
+
+  const LoopDevice& loop_;
+  bool lingers_;
+  const bool force_;
+  ImageControl& control_;
+  std::vector<Ghost> unmounted_;  ///< volumes that went cleanly
+};
+
+Result<void> Detachment::run(const std::vector<VolumeMount>& volumes) {
+  const auto done = unmountAll(volumes);
+  // Who holds one volume holds the image, and with it the places of the others.
+  const auto remembered = lingers_ ? rememberUnmounted() : Result<void>();
+  if (!done) return done;
+  control_.release(loop_);
+  // Another mount namespace or a mapping may keep the device for as long as it likes.
+  if (!lingers_ && !waitForRelease(loop_, kReleaseLimit)) return rememberUnmounted();
+  return remembered;
 }
 
-/// Whether a ghost was left behind.
-Result<bool> unmountVolume(const VolumeMount& volume, const LoopDevice& loop, bool force,
-                           ImageControl& control) {
-  const auto root = rootOf(volume.mount);
-  if (!root) {
-    if (!isStillMounted(volume.mount)) return false;  // went together with another bind mount
-    return Error{"another volume is mounted over " + volume.mount.mountPoint};
+Result<void> Detachment::unmountAll(const std::vector<VolumeMount>& volumes) {
+  for (const auto& volume : volumes) {
+    if (auto done = unmount(volume); !done) return done;
   }
-  auto outcome = control.unmount(volume, Unmounting::whenUnused);
-  const bool lazily = !outcome.done && outcome.busy && force;
-  if (lazily) outcome = unmountLazily(volume, loop, *root, control);
-  if (outcome.done || !isStillMounted(volume.mount)) return lazily;
-  return Error{outcome.text};
+  return {};
+}
+
+Result<void> Detachment::unmount(const VolumeMount& volume) {
+  const auto root = rootOf(volume.mount);
+  const Ghost ghost = ghostOf(volume, loop_, root);
+  if (!root) {
+    if (isStillMounted(volume.mount)) {
+      return Error{"another volume is mounted over " + volume.mount.mountPoint};
+    }
+    noteUnmounted(volume, ghost);  // went together with another bind mount
+    return {};
+  }
+  const auto outcome = control_.unmount(volume, Unmounting::whenUnused);
+  if (!outcome.done && outcome.busy && force_) return unmountLazily(volume, ghost);
+  if (!outcome.done && isStillMounted(volume.mount)) return Error{outcome.text};
+  noteUnmounted(volume, ghost);
+  return {};
+}
+
+/// The record comes before the deed: from the moment the mount table forgets the volume, the record
+/// is all that tells of it.
+Result<void> Detachment::unmountLazily(const VolumeMount& volume, const Ghost& ghost) {
+  writeOut(volume.mount.mountPoint);
+  if (const auto remembered = rememberGhost(ghost); !remembered) {
+    return Error{"in use, and no record of that can be kept: " + remembered.errorText()};
+  }
+  const auto outcome = control_.unmount(volume, Unmounting::lazily);
+  if (!outcome.done && isStillMounted(volume.mount)) {
+    forgetGhost(ghost);
+    return Error{outcome.text};
+  }
+  lingers_ = true;
+  return {};
+}
+
+void Detachment::noteUnmounted(const VolumeMount& volume, Ghost ghost) {
+  ghost.unmounted = true;
+  if (isVolume(volume.mount)) unmounted_.push_back(std::move(ghost));
+}
+
+Result<void> Detachment::rememberUnmounted() const {
+  Result<void> result;
+  for (const auto& ghost : unmounted_) {
+    if (const auto remembered = rememberGhost(ghost); !remembered) {
+      result =
+          Error{"still attached, and no record of that can be kept: " + remembered.errorText()};
+    }
+  }
+  return result;
 }
 
 }  // namespace
@@ -90,23 +154,24 @@ Result<bool> unmountVolume(const VolumeMount& volume, const LoopDevice& loop, bo
 Result<void> detachImage(const std::string& place, bool force, ImageControl& control) {
   const auto table = ImageTable::read();
   if (!table) return Error{table.errorText()};
-  const auto* image = table->find(place);
+  return detachImage(*table, place, force, control);
+}
+
+Result<void> detachImage(const ImageTable& table, const std::string& place, bool force,
+                         ImageControl& control) {
+  const auto* image = table.find(place);
   if (!image) return Error{errorText(ENOENT)};
-  const auto volumes = table->mountsOf(image->loop.name);
+  const auto volumes = table.mountsOf(image->loop.name);
   // A lazy detach would take these along, and nobody would know of them any more.
-  if (const auto inside = table->mountInside(volumes); !inside.empty()) {
+  if (const auto inside = table.mountInside(volumes); !inside.empty()) {
     return Error{errorText(EBUSY) + ": something else is mounted at " + inside};
   }
-  bool ghosts = !table->ghostsOf(image->loop.name).empty();
-  for (const auto& volume : volumes) {
-    const auto left = unmountVolume(volume, image->loop, force, control);
-    if (!left) return Error{left.errorText()};
-    ghosts = ghosts || *left;
+  // An attached image is held by the kernel, which no list of processes tells.
+  if (const auto inside = table.imageInside(volumes); !inside.empty()) {
+    return Error{errorText(EBUSY) + ": it holds another attached image, " + inside};
   }
-  control.release(image->loop);
-  // Another mount namespace may keep the device for as long as it likes: that is not our volume.
-  if (!ghosts) waitForRelease(image->loop, kReleaseLimit);
-  return {};
+  const bool lingers = !table.ghostsOf(image->loop.name).empty();
+  return Detachment(image->loop, lingers, force, control).run(volumes);
 }
 
 }  // namespace quillmont

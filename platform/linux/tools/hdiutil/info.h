@@ -4,7 +4,7 @@
 #include <string>
 
 #include "platform/PropertyList.h"
-#include "platform/linux/tools/hdiutil/ImageTable.h"
+#include "platform/linux/ImageTable.h"
 
 namespace quillmont {
 

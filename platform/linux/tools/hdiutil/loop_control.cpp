@@ -10,9 +10,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <thread>
 
-#include "platform/linux/tools/hdiutil/image_devices.h"
+#include "platform/linux/image_devices.h"
 #include "platform/posix/errors.h"
 
 namespace quillmont {
@@ -25,7 +26,7 @@ Descriptor openNode(const std::string& name, int mode) {
 loop_config configuration(const ImageFile& image) {
   loop_config config = {};
   config.fd = static_cast<unsigned>(image.file.get());
-  config.info.lo_flags = LO_FLAGS_PARTSCAN;
+  config.info.lo_flags = LO_FLAGS_PARTSCAN | LO_FLAGS_AUTOCLEAR;
   if (image.readOnly) config.info.lo_flags |= LO_FLAGS_READ_ONLY;
   const std::size_t length = std::min<std::size_t>(image.path.size(), LO_NAME_SIZE - 1);
   std::memcpy(config.info.lo_file_name, image.path.data(), length);
@@ -43,6 +44,19 @@ bool isAttached(const LoopDevice& loop) {
 
 Descriptor openLoop(const std::string& loopName) {
   return openNode(loopName, O_RDONLY);
+}
+
+std::vector<std::string> attachedLoopNames() {
+  std::vector<std::string> names;
+  std::error_code error;
+  for (std::filesystem::directory_iterator entry("/sys/block", error), end; !error && entry != end;
+       entry.increment(error)) {
+    std::error_code none;
+    if (std::filesystem::exists(entry->path() / "loop", none)) {
+      names.push_back(entry->path().filename());
+    }
+  }
+  return names;
 }
 
 bool loopCarries(const Descriptor& loop, const struct stat& image) {
@@ -91,6 +105,7 @@ Result<void> ensurePartition(const Descriptor& loop, const std::string& loopName
 void releaseOnLastClose(const Descriptor& loop) {
   loop_info64 info = {};
   if (ioctl(loop.get(), LOOP_GET_STATUS64, &info) != 0) return;
+  if (info.lo_flags & LO_FLAGS_AUTOCLEAR) return;
   info.lo_flags |= LO_FLAGS_AUTOCLEAR;
   ioctl(loop.get(), LOOP_SET_STATUS64, &info);
 }

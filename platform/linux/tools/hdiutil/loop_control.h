@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "platform/Result.h"
 #include "platform/linux/loop_devices.h"
@@ -16,6 +17,9 @@ namespace quillmont {
 /// The device node, open; the kernel keeps an attached device attached meanwhile. None on failure.
 Descriptor openLoop(const std::string& loopName);
 
+/// Names of all devices that carry anything, by whatever name.
+std::vector<std::string> attachedLoopNames();
+
 bool loopCarries(const Descriptor& loop, const struct stat& image);
 
 struct NewLoop {
@@ -23,7 +27,8 @@ struct NewLoop {
   Descriptor device;
 };
 
-/// Attaches `image` to a free device.
+/// Attaches `image` to a free device. The last close releases it: a process that ends before it
+/// has mounted anything leaves nothing attached.
 Result<NewLoop> configureLoop(const ImageFile& image);
 
 /// Tells the kernel of a partition that it did not find itself; one that it knows is a success.

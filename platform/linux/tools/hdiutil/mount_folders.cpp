@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <filesystem>
 #include <string_view>
 
@@ -24,15 +25,27 @@ bool isEmptyFolder(const std::string& path) {
   return std::filesystem::is_empty(path, error) && !error;
 }
 
-Result<void> makeFolder(const std::string& path, mode_t mode) {
+/// A folder that nobody but the superuser can change.
+Result<void> makeSafeFolder(const std::string& path, mode_t mode) {
   if (mkdir(path.c_str(), mode) == 0) {
     chmod(path.c_str(), mode);  // whatever the umask
-    return {};
+  } else if (errno != EEXIST) {
+    return systemError("cannot create " + path, errno);
   }
-  if (errno != EEXIST) return systemError("cannot create " + path, errno);
   struct stat status = {};
-  if (stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) return {};
-  return systemError(path, ENOTDIR);
+  if (lstat(path.c_str(), &status) != 0) return systemError(path, errno);
+  if (!S_ISDIR(status.st_mode) || status.st_uid != 0 || (status.st_mode & 022) != 0) {
+    return Error{path + " is no safe place for volumes: others could replace what is in it"};
+  }
+  return {};
+}
+
+/// As much of `name` as `limit` bytes hold; whole characters where it is text.
+std::string cut(const std::string& name, std::size_t limit) {
+  if (name.size() <= limit) return name;
+  std::size_t end = limit;
+  while (end > 0 && limit - end < 3 && (name[end] & 0xC0) == 0x80) --end;
+  return name.substr(0, end);
 }
 
 }  // namespace
@@ -48,7 +61,8 @@ std::string volumeFolderName(const ImageVolume& volume) {
 Result<std::string> makeVolumeFolder(const std::string& parent, const std::string& name,
                                      const std::vector<std::string>& taken) {
   for (int number = 0; number < kMostOfOneName; ++number) {
-    const std::string path = parent + "/" + name + (number ? std::to_string(number) : "");
+    const std::string suffix = number ? std::to_string(number) : "";
+    const std::string path = parent + "/" + cut(name, NAME_MAX - suffix.size()) + suffix;
     if (std::find(taken.begin(), taken.end(), path) != taken.end()) continue;
     if (mkdir(path.c_str(), 0700) == 0) return path;
     if (errno != EEXIST) return systemError("cannot create " + path, errno);
@@ -57,15 +71,10 @@ Result<std::string> makeVolumeFolder(const std::string& parent, const std::strin
   return Error{"too many volumes named " + name + " in " + parent};
 }
 
-Result<std::string> userMediaFolder() {
-  if (auto made = makeFolder("/media", 0755); !made) return Error{made.errorText()};
-  const std::string path = "/media/" + userName();
-  if (auto made = makeFolder(path, 0700); !made) return Error{made.errorText()};
-  struct stat status = {};
-  if (lstat(path.c_str(), &status) != 0) return systemError(path, errno);
-  if (!S_ISDIR(status.st_mode) || status.st_uid != 0 || (status.st_mode & 022) != 0) {
-    return Error{path + " is no safe place for volumes: others could replace what is in it"};
-  }
+Result<std::string> userMediaFolder(const std::string& media) {
+  const std::string path = media + "/" + userName();
+  if (auto made = makeSafeFolder(media, 0755); !made) return Error{made.errorText()};
+  if (auto made = makeSafeFolder(path, 0700); !made) return Error{made.errorText()};
   return path;
 }
 

@@ -1,10 +1,12 @@
 #include "platform/linux/tools/hdiutil/mount_folders.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
 
+#include "platform/linux/user_folders.h"
 #include "tests/support/Program.h"
 
 namespace quillmont {
@@ -76,10 +78,77 @@ TEST_F(VolumeFolder, CannotBeMadeWithoutItsParent) {
   EXPECT_FALSE(makeVolumeFolder(at("none"), "x", {}));
 }
 
+TEST_F(VolumeFolder, ALongNameIsCutAtTheEndOfACharacter) {
+  std::string name;
+  while (name.size() < 300) name += "翼";  // 3 bytes; 85 of them fill a name
+  const auto first = makeVolumeFolder(parent_.path(), name, {});
+  ASSERT_TRUE(first) << first.errorText();
+  EXPECT_EQ(*first, at(name.substr(0, 255)));
+  const auto second = makeVolumeFolder(parent_.path(), name, {*first});
+  ASSERT_TRUE(second) << second.errorText();
+  EXPECT_EQ(*second, at(name.substr(0, 252) + "1"));
+  EXPECT_TRUE(fs::is_directory(*second));
+}
+
+TEST_F(VolumeFolder, ALongNameThatFillsItsFolderNameLeavesRoomForANumber) {
+  const auto made =
+      makeVolumeFolder(parent_.path(), std::string(255, 'x'), {at(std::string(255, 'x'))});
+  ASSERT_TRUE(made) << made.errorText();
+  EXPECT_EQ(*made, at(std::string(254, 'x') + "1"));
+}
+
 TEST_F(VolumeFolder, OutsideTheMediaFoldersIsNeverRemoved) {
   fs::create_directory(at("x"));
   removeVolumeFolder(at("x"));
   EXPECT_TRUE(fs::exists(at("x")));
+}
+
+/// A media folder that may or may not be safe.
+class MediaFolder : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (geteuid() != 0) GTEST_SKIP() << "folders of the superuser take the superuser";
+  }
+
+  std::string media() const { return parent_.path() + "/media"; }
+
+  void expectRefused() {
+    const auto folder = userMediaFolder(media());
+    ASSERT_FALSE(folder);
+    EXPECT_EQ(folder.errorText(), media() +
+                                      " is no safe place for volumes: others could replace "
+                                      "what is in it");
+  }
+
+  testing::TemporaryFolder parent_;
+};
+
+TEST_F(MediaFolder, IsMadeWithTheUsersFolderInIt) {
+  const auto folder = userMediaFolder(media());
+  ASSERT_TRUE(folder) << folder.errorText();
+  EXPECT_EQ(*folder, media() + "/" + userName());
+  EXPECT_EQ(fs::status(media()).permissions(), fs::perms(0755));
+  EXPECT_EQ(fs::status(*folder).permissions(), fs::perms(0700));
+}
+
+TEST_F(MediaFolder, ThatOthersCanChangeIsRefused) {
+  fs::create_directory(media());
+  for (const auto mode : {0775, 0757}) {
+    fs::permissions(media(), fs::perms(mode));
+    expectRefused();
+  }
+}
+
+TEST_F(MediaFolder, OfAnotherUserIsRefused) {
+  fs::create_directory(media());
+  ASSERT_EQ(chown(media().c_str(), 1, 0), 0);
+  expectRefused();
+}
+
+TEST_F(MediaFolder, ThatIsALinkIsRefused) {
+  fs::create_directory(parent_.path() + "/elsewhere");
+  fs::create_directory_symlink(parent_.path() + "/elsewhere", media());
+  expectRefused();
 }
 
 }  // namespace

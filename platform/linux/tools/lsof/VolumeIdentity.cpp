@@ -16,6 +16,11 @@ bool contains(const List& list, const Value& value) {
   return std::find(list.begin(), list.end(), value) != list.end();
 }
 
+template <class Value>
+void addOnce(std::vector<Value>& list, const Value& value) {
+  if (!contains(list, value)) list.push_back(value);
+}
+
 std::uint64_t superDevice(const Mount& mount) {
   return makedev(mount.deviceMajor, mount.deviceMinor);
 }
@@ -44,27 +49,43 @@ const Mount* topMount(const std::string& mountPoint, const std::vector<Mount>& m
 void addMount(VolumeIdentity& volume, const Mount& top, const std::vector<Mount>& mounts,
               const MountPointReader& statusOf) {
   const auto device = superDevice(top);
-  volume.devices.push_back(device);
+  addOnce(volume.devices, device);
   for (const auto& mount : mounts) {
     if (superDevice(mount) == device) {
-      volume.mountIds.push_back(static_cast<std::uint64_t>(mount.id));
+      addOnce(volume.mountIds, static_cast<std::uint64_t>(mount.id));
     }
   }
   // Something mounted over a folder above would answer in the volume's place.
   const auto status = statusOf(top.mountPoint);
   if (!status || status->mountId != static_cast<std::uint64_t>(top.id)) return;
-  if (!volume.hasDevice(status->device)) volume.devices.push_back(status->device);
+  addOnce(volume.devices, status->device);
 }
 
 void addGhost(VolumeIdentity& volume, const Ghost& ghost, const std::vector<Mount>& mounts) {
   for (const auto device : {ghost.superDevice, ghost.statDevice}) {
-    if (device != 0 && !volume.hasDevice(device)) volume.devices.push_back(device);
+    if (device != 0) addOnce(volume.devices, device);
   }
-  // The kernel gives the identifier of a mount that is really gone to the next one.
+  // The kernel gives the identifier of a mount that is really gone to the next one, maybe in a
+  // mount namespace that we do not see.
+  if (ghost.unmounted || ghost.mountId == 0) return;
   const bool givenAway = std::any_of(mounts.begin(), mounts.end(), [&](const Mount& mount) {
     return static_cast<std::uint64_t>(mount.id) == ghost.mountId;
   });
-  if (!givenAway && ghost.mountId != 0) volume.mountIds.push_back(ghost.mountId);
+  if (!givenAway) addOnce(volume.mountIds, ghost.mountId);
+}
+
+/// The loop devices of what is or was mounted at `mountPoint`.
+std::vector<std::string> loopsAt(const std::string& mountPoint, const Mount* top,
+                                 const std::vector<VolumeMount>& volumes,
+                                 const std::vector<Ghost>& ghosts) {
+  std::vector<std::string> loops;
+  for (const auto& volume : volumes) {
+    if (top && volume.mount.id == top->id) addOnce(loops, volume.loopName);
+  }
+  for (const auto& ghost : ghosts) {
+    if (ghost.mountPoint == mountPoint) addOnce(loops, ghost.loopName);
+  }
+  return loops;
 }
 
 }  // namespace
@@ -87,15 +108,20 @@ std::optional<MountPointStatus> cachedMountPointStatus(const std::string& mountP
 
 std::optional<VolumeIdentity> identifyVolume(const std::string& path, const std::string& user,
                                              const std::vector<Mount>& mounts,
+                                             const std::vector<VolumeMount>& volumes,
                                              const std::vector<Ghost>& ghosts,
                                              const MountPointReader& statusOf) {
   const auto mountPoint = resolve(path, user, mounts, ghosts);
   if (mountPoint.empty()) return std::nullopt;
   VolumeIdentity volume;
-  if (const auto* const top = topMount(mountPoint, mounts))
-    addMount(volume, *top, mounts, statusOf);
+  const auto* const top = topMount(mountPoint, mounts);
+  if (top) addMount(volume, *top, mounts, statusOf);
+  const auto loops = loopsAt(mountPoint, top, volumes, ghosts);
+  for (const auto& other : volumes) {
+    if (contains(loops, other.loopName)) addMount(volume, other.mount, mounts, statusOf);
+  }
   for (const auto& ghost : ghosts) {
-    if (ghost.mountPoint == mountPoint) addGhost(volume, ghost, mounts);
+    if (contains(loops, ghost.loopName)) addGhost(volume, ghost, mounts);
   }
   return volume;
 }

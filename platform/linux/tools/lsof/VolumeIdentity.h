@@ -9,6 +9,7 @@
 
 #include "platform/Result.h"
 #include "platform/linux/ghosts.h"
+#include "platform/linux/image_devices.h"
 #include "platform/linux/mount_table.h"
 
 namespace quillmont {
@@ -37,9 +38,11 @@ std::optional<MountPointStatus> cachedMountPointStatus(const std::string& mountP
 
 /// The identity of the volume that is presented to `user` as `path`, or that is mounted at `path`;
 /// a slash at the end does not count. Where mounts are stacked, the one on top; a ghost's is added.
-/// Nothing if no volume is there.
+/// Of an image, whose mounts are among `volumes`, it covers every volume and ghost: an image is
+/// detached whole, so its users are counted whole. Nothing if no volume is there.
 std::optional<VolumeIdentity> identifyVolume(const std::string& path, const std::string& user,
                                              const std::vector<Mount>& mounts,
+                                             const std::vector<VolumeMount>& volumes,
                                              const std::vector<Ghost>& ghosts,
                                              const MountPointReader& statusOf);
 

@@ -33,14 +33,16 @@ Ghost ghostAt(const std::string& mountPoint, std::uint64_t mountId) {
 class VolumeIdentityTest : public ::testing::Test {
  protected:
   std::optional<VolumeIdentity> identify(const std::string& path) {
-    return identifyVolume(path, "ann", mounts_, ghosts_, [this](const std::string& mountPoint) {
-      const auto found = statuses_.find(mountPoint);
-      return found == statuses_.end() ? std::nullopt : std::optional(found->second);
-    });
+    return identifyVolume(
+        path, "ann", mounts_, volumes_, ghosts_, [this](const std::string& mountPoint) {
+          const auto found = statuses_.find(mountPoint);
+          return found == statuses_.end() ? std::nullopt : std::optional(found->second);
+        });
   }
 
   std::vector<Mount> mounts_ = {mountAt(20, 1, 0, "/"), mountAt(21, 20, 1, "/media/ann/Disk"),
                                 mountAt(22, 20, 2, "/run/media/ann/Other")};
+  std::vector<VolumeMount> volumes_;
   std::vector<Ghost> ghosts_;
   std::map<std::string, MountPointStatus> statuses_;
 };
@@ -111,6 +113,29 @@ TEST_F(VolumeIdentityTest, GhostAndNewMountAtOnePlaceAreBothMeant) {
   ghosts_.push_back(ghostAt("/media/ann/Disk", 40));
   EXPECT_EQ(identify("/Volumes/Disk"),
             (VolumeIdentity{{makedev(7, 1), makedev(7, 9), makedev(0, 99)}, {21, 40}}));
+}
+
+TEST_F(VolumeIdentityTest, AllVolumesAndGhostsOfAnImageAreMeantTogether) {
+  volumes_ = {{"loop9", "/dev/loop9p1", mounts_[1]}, {"loop9", "/dev/loop9p2", mounts_[2]}};
+  statuses_["/run/media/ann/Other"] = {22, makedev(0, 44)};
+  ghosts_.push_back(ghostAt("/media/ann/Gone", 40));
+  const VolumeIdentity whole{
+      {makedev(7, 1), makedev(7, 2), makedev(0, 44), makedev(7, 9), makedev(0, 99)}, {21, 22, 40}};
+  EXPECT_EQ(identify("/Volumes/Disk"), whole);
+  EXPECT_EQ(identify("/Volumes/Gone"), whole);
+}
+
+TEST_F(VolumeIdentityTest, OtherImagesAndVolumesOfNoImageAreNotMeant) {
+  volumes_ = {{"loop1", "/dev/loop1", mounts_[1]}, {"loop2", "/dev/loop2", mounts_[2]}};
+  ghosts_.push_back(ghostAt("/media/ann/Gone", 40));
+  EXPECT_EQ(identify("/Volumes/Disk"), (VolumeIdentity{{makedev(7, 1)}, {21}}));
+  EXPECT_EQ(identify("/"), (VolumeIdentity{{makedev(7, 0)}, {20}}));
+}
+
+TEST_F(VolumeIdentityTest, MountIdentifierOfAGhostThatWasUnmountedDoesNotCount) {
+  ghosts_.push_back(ghostAt("/media/ann/Gone", 40));
+  ghosts_.back().unmounted = true;
+  EXPECT_EQ(identify("/Volumes/Gone"), (VolumeIdentity{{makedev(7, 9), makedev(0, 99)}, {}}));
 }
 
 TEST(CachedMountPointStatus, AgreesWithStat) {

@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "platform/linux/ghosts.h"
-#include "platform/linux/loop_devices.h"
+#include "platform/linux/image_devices.h"
 #include "platform/linux/mount_table.h"
 #include "platform/linux/tools/lsof/ProcessScan.h"
 #include "platform/linux/tools/lsof/VolumeIdentity.h"
@@ -27,8 +27,8 @@ int listOpenFiles(const std::string& path) {
   using namespace quillmont;
   const auto mounts = readMountTable();
   if (!mounts) return fail(1, "lsof: " + mounts.errorText());
-  const auto ghosts = livingGhosts(attachedLoopDevices());
-  const auto volume = identifyVolume(path, userName(), *mounts, ghosts, cachedMountPointStatus);
+  const auto volume = identifyVolume(path, userName(), *mounts, imageMounts(*mounts),
+                                     livingGhosts(), cachedMountPointStatus);
   if (!volume) return fail(1, "lsof: no volume is mounted at " + path);
   const auto report = ProcessScan(*volume).report();
   if (report.empty()) return 1;

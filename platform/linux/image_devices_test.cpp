@@ -1,4 +1,4 @@
-#include "platform/linux/tools/hdiutil/image_devices.h"
+#include "platform/linux/image_devices.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -85,6 +85,18 @@ TEST_F(ImageDevices, OnlyNodesBelowDevAreLookedAt) {
 TEST_F(ImageDevices, PartitionZeroIsTheWholeDevice) {
   EXPECT_EQ(deviceName("loop3", 0), "loop3");
   EXPECT_EQ(deviceName("loop3", 12), "loop3p12");
+}
+
+TEST_F(ImageDevices, AProgramsFileSystemIsNoVolumeWhateverSourceItNames) {
+  const auto loopOf = [](const std::string& source) { return std::optional(source.substr(5)); };
+  const Mount plain{1, 0, 0, 1, "/", "/a", "fuse", "/dev/loop3"};
+  const Mount named{2, 0, 0, 2, "/", "/b", "fuse.sshfs", "/dev/loop3"};
+  const Mount block{3, 0, 7, 4, "/", "/c", "fuseblk", "/dev/loop4"};
+  const Mount kernels{4, 0, 7, 5, "/", "/d", "ext4", "/dev/loop5"};
+  const auto volumes = imageMounts({plain, named, block, kernels}, loopOf);
+  ASSERT_EQ(volumes.size(), 2u);
+  EXPECT_EQ(volumes[0].loopName, "loop4");
+  EXPECT_EQ(volumes[1].loopName, "loop5");
 }
 
 }  // namespace

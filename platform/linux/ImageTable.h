@@ -6,8 +6,8 @@
 
 #include "platform/Result.h"
 #include "platform/linux/ghosts.h"
+#include "platform/linux/image_devices.h"
 #include "platform/linux/loop_devices.h"
-#include "platform/linux/tools/hdiutil/image_devices.h"
 
 namespace quillmont {
 
@@ -51,6 +51,9 @@ class ImageTable {
   /// Where something is mounted that stands on one of `volumes` without being one; empty if
   /// nothing is.
   std::string mountInside(const std::vector<VolumeMount>& volumes) const;
+
+  /// The file of another attached image that lies on one of `volumes`; empty if there is none.
+  std::string imageInside(const std::vector<VolumeMount>& volumes) const;
 
   /// Every place that is in use, the ghosts' own among them.
   const std::vector<std::string>& mountPoints() const { return mountPoints_; }

@@ -1,6 +1,7 @@
 // Which image a mounted file system lives on.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,9 +17,18 @@ struct VolumeMount {
   Mount mount;
 };
 
+/// The loop device below the device that a mount names as its source; nothing for another source.
+using LoopFinder = std::function<std::optional<std::string>(const std::string& source)>;
+std::optional<std::string> loopOfSource(const std::string& source);
+
 /// The mounts of images among `mounts`, in their order. Neither opens a device nor looks into a
-/// mounted file system.
-std::vector<VolumeMount> imageMounts(const std::vector<Mount>& mounts);
+/// mounted file system. `loopOf` is another one only in tests.
+std::vector<VolumeMount> imageMounts(const std::vector<Mount>& mounts,
+                                     const LoopFinder& loopOf = loopOfSource);
+
+/// Whether a file system is mounted whole: a bind mount of a folder is no volume. On btrfs every
+/// subvolume has a root of its own.
+bool isVolume(const Mount& mount);
 
 /// The loop device below the block device that `folder` of sysfs describes: itself, the disk of a
 /// partition, or what a mapping is made of.

@@ -1,4 +1,4 @@
-#include "platform/linux/tools/hdiutil/ImageTable.h"
+#include "platform/linux/ImageTable.h"
 
 #include <algorithm>
 #include <iterator>
@@ -10,11 +10,6 @@
 namespace quillmont {
 namespace {
 
-/// A bind mount of a folder is no volume. On btrfs every subvolume has a root of its own.
-bool isVolume(const Mount& mount) {
-  return mount.root == "/" || mount.type == "btrfs";
-}
-
 void place(std::vector<ImageEntity>& entities, const std::string& node, const std::string& where) {
   const auto isOfNode = [&node](const ImageEntity& entity) { return entity.deviceNode == node; };
   const auto first = std::find_if(entities.begin(), entities.end(), isOfNode);
@@ -24,6 +19,10 @@ void place(std::vector<ImageEntity>& entities, const std::string& node, const st
     const auto last = std::find_if(entities.rbegin(), entities.rend(), isOfNode).base();
     entities.insert(first == entities.end() ? entities.end() : last, {node, where});
   }
+}
+
+bool isBelow(const std::string& path, const std::string& folder) {
+  return path.starts_with(folder == "/" ? folder : folder + "/");
 }
 
 std::string withoutTrailingSlashes(std::string path) {
@@ -43,7 +42,7 @@ Result<ImageTable> ImageTable::read() {
     std::move(names.begin(), names.end(), std::back_inserter(partitions));
   }
   auto volumes = imageMounts(*mounts);
-  auto ghosts = livingGhosts(loops);
+  auto ghosts = livingGhosts();
   return ImageTable(std::move(loops), partitions, std::move(*mounts), std::move(volumes),
                     std::move(ghosts), userName());
 }
@@ -123,6 +122,16 @@ std::string ImageTable::mountInside(const std::vector<VolumeMount>& volumes) con
   };
   for (const auto& mount : mounts_) {
     if (isVolumeId(mount.parentId) && !isVolumeId(mount.id)) return mount.mountPoint;
+  }
+  return {};
+}
+
+std::string ImageTable::imageInside(const std::vector<VolumeMount>& volumes) const {
+  for (const auto& image : images_) {
+    const std::string& path = image.loop.backingFile;
+    for (const auto& volume : volumes) {
+      if (volume.loopName != image.loop.name && isBelow(path, volume.mount.mountPoint)) return path;
+    }
   }
   return {};
 }

@@ -1,9 +1,7 @@
-#include "platform/linux/tools/hdiutil/ImageTable.h"
+#include "platform/linux/ImageTable.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include "platform/linux/tools/hdiutil/info.h"
 
 namespace quillmont {
 namespace {
@@ -25,12 +23,12 @@ class ImageTables : public ::testing::Test {
   }
 
   void ghost(const std::string& loopName, const std::string& node, const std::string& place) {
-    ghosts_.push_back({loopName, 1, "/a.img", node, place, 99, 1, 1});
+    ghosts_.push_back({loopName, 1, "/a.img", node, place, 99, 1, 1, false});
   }
 
   ImageTable table() const {
-    return ImageTable({{"loop0", "/a.img", 1}, {"loop12", "/b.img", 2}}, {"loop0p1", "loop0p2"},
-                      mounts_, volumes_, ghosts_, "ann");
+    return ImageTable({{"loop0", "/a.img", 1, false}, {"loop12", "/b.img", 2, false}},
+                      {"loop0p1", "loop0p2"}, mounts_, volumes_, ghosts_, "ann");
   }
 
   std::vector<ImageEntity> entities(std::size_t image) const {
@@ -143,32 +141,17 @@ TEST_F(ImageTables, TellWhatElseIsMountedInsideAVolume) {
   EXPECT_EQ(table().mountInside(table().mountsOf("loop12")), "");
 }
 
-TEST_F(ImageTables, MakeAListWithPresentedPlaces) {
-  mounted("loop0", mountOf(10, "/dev/loop0p1", "/media/ann/a \"b\""));
-  mounted("loop12", mountOf(11, "/dev/loop12", "/mnt/\xff"));
-  using Dictionary = PropertyListDictionary;
-  using Array = PropertyListArray;
-  const Array first = {
-      Dictionary{{"dev-entry", "/dev/loop0"}},
-      Dictionary{{"dev-entry", "/dev/loop0p1"}, {"mount-point", "/Volumes/a \"b\""}},
-      Dictionary{{"dev-entry", "/dev/loop0p2"}}};
-  const Array second = {Dictionary{{"dev-entry", "/dev/loop12"}, {"mount-point", "/mnt/\\xff"}}};
-  const Array images = {Dictionary{{"image-path", "/a.img"}, {"system-entities", first}},
-                        Dictionary{{"image-path", "/b.img"}, {"system-entities", second}}};
-  EXPECT_EQ(infoList(table()), PropertyList(Dictionary{{"images", images}}));
-}
-
-TEST_F(ImageTables, AreAnEmptyListWithoutImages) {
-  const ImageTable empty({}, {}, mounts_, {}, {}, "ann");
-  EXPECT_EQ(infoList(empty), PropertyList(PropertyListDictionary{{"images", PropertyListArray()}}));
-  EXPECT_EQ(infoText(empty), "");
-}
-
-TEST_F(ImageTables, AreReadableForPeople) {
-  mounted("loop12", mountOf(11, "/dev/loop12", "/media/ann/b"));
-  EXPECT_EQ(infoText(table()),
-            "image-path: /a.img\n/dev/loop0\n/dev/loop0p1\n/dev/loop0p2\n"
-            "image-path: /b.img\n/dev/loop12\t/Volumes/b\n");
+TEST_F(ImageTables, TellWhichOtherImageLiesOnAVolume) {
+  mounted("loop0", mountOf(10, "/dev/loop0p1", "/one"));
+  mounted("loop0", mountOf(11, "/dev/loop0p2", "/two"));
+  const auto inside = [this](const std::string& inner) {
+    const ImageTable table({{"loop0", "/two/own.img", 1, false}, {"loop12", inner, 2, false}}, {},
+                           mounts_, volumes_, {}, "ann");
+    return table.imageInside(table.mountsOf("loop0"));
+  };
+  EXPECT_EQ(inside("/two/folder/b.img"), "/two/folder/b.img");
+  EXPECT_EQ(inside("/two.img"), "");
+  EXPECT_EQ(inside("/twofold/b.img"), "");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "platform/linux/tools/hdiutil/image_devices.h"
+#include "platform/linux/image_devices.h"
 
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -30,6 +30,18 @@ std::optional<std::string> searchBelow(const fs::path& folder, int deepest) {
   return std::nullopt;
 }
 
+/// A file system of a program of some user, who names as its source whatever he likes. "fuseblk" is
+/// another thing: there the kernel itself has opened the device.
+bool isOfAProgram(const Mount& mount) {
+  return mount.type == "fuse" || mount.type.starts_with("fuse.");
+}
+
+}  // namespace
+
+std::optional<std::string> loopBelow(const std::string& folder) {
+  return searchBelow(folder, kMappingsDeep);
+}
+
 /// Device numbers of the mount table are no guide (btrfs has its own), so the node itself is asked.
 /// Only nodes below /dev are: any other source may lie on a file system that does not answer.
 std::optional<std::string> loopOfSource(const std::string& source) {
@@ -43,20 +55,17 @@ std::optional<std::string> loopOfSource(const std::string& source) {
   return loopBelow("/sys/class/block/" + source.substr(source.rfind('/') + 1));
 }
 
-}  // namespace
-
-std::optional<std::string> loopBelow(const std::string& folder) {
-  return searchBelow(folder, kMappingsDeep);
-}
-
-std::vector<VolumeMount> imageMounts(const std::vector<Mount>& mounts) {
+std::vector<VolumeMount> imageMounts(const std::vector<Mount>& mounts, const LoopFinder& loopOf) {
   std::vector<VolumeMount> found;
   for (const auto& mount : mounts) {
-    if (const auto loop = loopOfSource(mount.source)) {
-      found.push_back({*loop, mount.source, mount});
-    }
+    if (isOfAProgram(mount)) continue;
+    if (const auto loop = loopOf(mount.source)) found.push_back({*loop, mount.source, mount});
   }
   return found;
+}
+
+bool isVolume(const Mount& mount) {
+  return mount.root == "/" || mount.type == "btrfs";
 }
 
 std::vector<std::string> partitionNames(const std::string& loopName, const std::string& sysBlock) {
