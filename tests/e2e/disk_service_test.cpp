@@ -90,6 +90,12 @@ class Laboratory {
           "/usr/lib/polkit-1/polkitd", "/usr/libexec/udisks2/udisksd", "/etc/polkit-1/rules.d"}) {
       if (access(needed, F_OK) != 0) return std::string("this machine has no ") + needed;
     }
+    // Entering the laboratory's mounts leaves a changed root folder behind.
+    const auto inside = testing::run(
+        {"nsenter", "--mount=/proc/self/ns/mnt", "test", "-e", DiskImages::toolPath()});
+    if (inside.status != 0) {
+      return "the root folder of the tests is not that of the system";
+    }
     return "";
   }
 
