@@ -1,6 +1,9 @@
 // Attaching and detaching through the disk service, for ordinary users.
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "platform/linux/tools/hdiutil/ImageControl.h"
 #include "platform/linux/tools/hdiutil/UDisks.h"
 
@@ -22,10 +25,11 @@ class UDisksImages : public ImageControl {
 
  private:
   /// Failure: somebody else attached that image, whatever the service would allow us.
-  Result<void> checkOwner(const std::string& loopName);
+  Result<void> checkOwner(const VolumeMount& volume);
+  bool isOurs(const std::string& loopName);
 
   UDisks service_;
-  std::string setUp_;  ///< the device that this object set up; the service notes owners late
+  std::vector<std::string> ours_;  ///< as known so far; the service notes owners late
 };
 
 }  // namespace quillmont

@@ -34,7 +34,9 @@ class ProcessScanTest : public ::testing::Test {
   std::string ownReport() const {
     const auto report = ProcessScan(volume_).report();
     const auto start = report.find(field('p', getpid()));
-    return start == report.npos ? "" : report.substr(start, report.find("\np", start) - start + 1);
+    if (start == report.npos) return "";
+    const auto next = report.find("\np", start);
+    return report.substr(start, next == report.npos ? next : next + 1 - start);
   }
 
   Descriptor file_{memfd_create("quillmont\ntest", MFD_CLOEXEC)};
