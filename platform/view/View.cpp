@@ -1,0 +1,211 @@
+#include "platform/view/View.h"
+
+#include "platform/view/ViewNode.h"
+
+namespace quillmont {
+namespace {
+
+View makeView(ViewContent content, Views children = {}) {
+  return View(std::make_shared<const ViewNode>(ViewNode{std::move(content), std::move(children)}));
+}
+
+View inEnvironment(const View& view, std::function<void(Environment&)> change) {
+  return makeView(EnvironmentNode{std::move(change)}, {view});
+}
+
+bool includes(Edges edges, Edges axis, Edges edge) {
+  return edges == Edges::all || edges == axis || edges == edge;
+}
+
+}  // namespace
+
+View View::font(Font font) const {
+  return inEnvironment(*this, [font](Environment& environment) { environment.font = font; });
+}
+
+View View::fontWeight(FontWeight weight) const {
+  return inEnvironment(*this,
+                       [weight](Environment& environment) { environment.fontWeight = weight; });
+}
+
+View View::foregroundColor(Color color) const {
+  return inEnvironment(*this,
+                       [color](Environment& environment) { environment.foregroundColor = color; });
+}
+
+View View::lineLimit(int lines) const {
+  return inEnvironment(*this, [lines](Environment& environment) { environment.lineLimit = lines; });
+}
+
+View View::multilineTextAlignment(TextAlignment alignment) const {
+  return inEnvironment(
+      *this, [alignment](Environment& environment) { environment.textAlignment = alignment; });
+}
+
+View View::toggleStyle(ToggleStyle style) const {
+  return inEnvironment(*this,
+                       [style](Environment& environment) { environment.toggleStyle = style; });
+}
+
+View View::tint(Color color) const {
+  return inEnvironment(*this, [color](Environment& environment) { environment.tint = color; });
+}
+
+View View::labelsHidden() const {
+  return inEnvironment(*this, [](Environment& environment) { environment.labelsHidden = true; });
+}
+
+View View::padding(Edges edges, double length) const {
+  const auto at = [&](Edges axis, Edges edge) { return includes(edges, axis, edge) ? length : 0; };
+  return makeView(
+      PaddingNode{at(Edges::vertical, Edges::top), at(Edges::horizontal, Edges::leading),
+                  at(Edges::vertical, Edges::bottom), at(Edges::horizontal, Edges::trailing)},
+      {*this});
+}
+
+View View::frame(FrameSize size) const {
+  return makeView(FrameNode{size}, {*this});
+}
+
+View View::background(View background) const {
+  return makeView(LayerNode{.inFront = false}, {*this, std::move(background)});
+}
+
+View View::background(Color color) const {
+  return background(Fill(color));
+}
+
+View View::overlay(View overlay) const {
+  return makeView(LayerNode{.inFront = true}, {*this, std::move(overlay)});
+}
+
+View View::opacity(double opacity) const {
+  return makeView(OpacityNode{opacity}, {*this});
+}
+
+View View::onHover(std::function<void(bool)> action) const {
+  return makeView(HoverNode{std::move(action)}, {*this});
+}
+
+View View::help(std::string key) const {
+  return makeView(HelpNode{std::move(key)}, {*this});
+}
+
+View View::accessibilityLabel(std::string key) const {
+  return makeView(AccessibilityNode{std::move(key)}, {*this});
+}
+
+View View::popover(Binding<bool> isPresented, RectEdge arrowEdge,
+                   std::function<View()> content) const {
+  return makeView(PopoverNode{std::move(isPresented), arrowEdge, std::move(content)}, {*this});
+}
+
+View VStack(VStackLayout layout, Views children) {
+  const Alignment alignment{layout.alignment, VerticalAlignment::center};
+  return makeView(StackNode{Axis::vertical, alignment, layout.spacing}, std::move(children));
+}
+
+View HStack(HStackLayout layout, Views children) {
+  const Alignment alignment{HorizontalAlignment::center, layout.alignment};
+  return makeView(StackNode{Axis::horizontal, alignment, layout.spacing}, std::move(children));
+}
+
+View HStack(Views children) {
+  return HStack(HStackLayout{}, std::move(children));
+}
+
+View Text(std::string key) {
+  return makeView(TextNode{std::move(key), true});
+}
+
+View VerbatimText(std::string text) {
+  return makeView(TextNode{std::move(text), false});
+}
+
+View Symbol(std::string systemName) {
+  return makeView(SymbolNode{std::move(systemName)});
+}
+
+View Spacer() {
+  return makeView(SpacerNode{});
+}
+
+View Divider() {
+  return makeView(DividerNode{});
+}
+
+View Fill(Color color) {
+  return makeView(ShapeNode{NativeShape{.fill = color}});
+}
+
+Shape Shape::fill(Color color) const {
+  Shape result = *this;
+  result.shape_.fill = color;
+  return result;
+}
+
+Shape Shape::stroke(Color color, double lineWidth) const {
+  Shape result = *this;
+  result.shape_.stroke = Stroke{color, lineWidth};
+  return result;
+}
+
+Shape Shape::shadow(Shadow shadow) const {
+  Shape result = *this;
+  result.shape_.shadow = shadow;
+  return result;
+}
+
+View Shape::body() const {
+  return makeView(ShapeNode{shape_});
+}
+
+Shape Circle() {
+  return Shape(NativeShape{.kind = NativeShape::Kind::circle});
+}
+
+Shape RoundedRectangle(double cornerRadius) {
+  return Shape(
+      NativeShape{.kind = NativeShape::Kind::roundedRectangle, .cornerRadius = cornerRadius});
+}
+
+View Toggle(std::string key, Binding<bool> isOn) {
+  return makeView(ToggleNode{std::move(key), std::move(isOn)});
+}
+
+View SegmentedPicker(std::string key, Binding<double> selection,
+                     std::vector<PickerOption> options) {
+  return makeView(PickerNode{std::move(key), std::move(selection), std::move(options)});
+}
+
+View Button(std::function<void()> action, View label, std::optional<ButtonRole> role) {
+  return makeView(ButtonNode{std::move(action), role}, {std::move(label)});
+}
+
+View ScrollView(View content) {
+  return makeView(ScrollNode{}, {std::move(content)});
+}
+
+View KeyedList(std::vector<KeyedView> views) {
+  KeyedListNode list;
+  Views children;
+  list.keys.reserve(views.size());
+  children.reserve(views.size());
+  for (auto& [key, view] : views) {
+    list.keys.push_back(std::move(key));
+    children.push_back(std::move(view));
+  }
+  return makeView(std::move(list), std::move(children));
+}
+
+View makeComposedView(std::shared_ptr<AnyComposedView> view) {
+  return makeView(ComposedNode{std::move(view)});
+}
+
+View makeButtonStyled(const View& view, std::shared_ptr<const AnyButtonStyle> style) {
+  return inEnvironment(view, [style = std::move(style)](Environment& environment) {
+    environment.buttonStyle = style;
+  });
+}
+
+}  // namespace quillmont
