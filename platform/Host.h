@@ -10,6 +10,7 @@ namespace quillmont {
 class Application;
 class Bundle;
 class Clock;
+class Desktop;
 class FileManager;
 class Log;
 class ProcessLauncher;
@@ -33,6 +34,7 @@ struct Host {
   Clock& clock;
   Workspace& workspace;
   Application& application;
+  Desktop& desktop;
   ToolPaths tools;
   std::int32_t processIdentifier;
   std::uint32_t userIdentifier;

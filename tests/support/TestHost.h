@@ -7,6 +7,7 @@
 #include "monitor/QuillmontDaemon.h"
 #include "platform/Host.h"
 #include "settings/ConfigManager.h"
+#include "tests/support/FakeDesktop.h"
 #include "tests/support/FakeSystem.h"
 #include "tests/support/ManualTime.h"
 
@@ -28,6 +29,7 @@ struct TestHost {
             .clock = clock,
             .workspace = workspace,
             .application = application,
+            .desktop = desktop,
             .tools = {},
             .processIdentifier = 999,
             .userIdentifier = 501};
@@ -60,6 +62,7 @@ struct TestHost {
   RecordingLog log;
   FakeWorkspace workspace;
   FakeApplication application;
+  FakeDesktop desktop;
 };
 
 /// Attached images behind the disk-image tool and the open-files tool of a test host. Detaching
