@@ -3,6 +3,7 @@
 
 #include "monitor/QuillmontDaemon.h"
 #include "settings/ConfigManager.h"
+#include "ui/MainView.h"
 
 namespace quillmont {
 
@@ -16,5 +17,8 @@ QuillmontDaemon& QuillmontDaemon::shared() {
       new std::shared_ptr<QuillmontDaemon>(make(Host::current(), ConfigManager::shared()));
   return **instance;
 }
+
+MainView::MainView()
+    : MainView(Host::current(), QuillmontDaemon::shared(), ConfigManager::shared()) {}
 
 }  // namespace quillmont
