@@ -1,0 +1,106 @@
+// A mount on its own, for tests: views made by hand, and what the user did to them.
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QEnterEvent>
+#include <QTest>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/linux/views/QtMount.h"
+
+namespace quillmont::testing {
+
+/// Writes down what it is told.
+class RecordedActions : public ViewActions {
+ public:
+  void press(ViewId button) override { add("press " + std::to_string(button)); }
+  void toggle(ViewId control, bool isOn) override {
+    add("toggle " + std::to_string(control) + (isOn ? " on" : " off"));
+  }
+  void select(ViewId segments, std::size_t index) override {
+    add("select " + std::to_string(segments) + " " + std::to_string(index));
+  }
+  void hover(ViewId view, bool isInside) override {
+    add((isInside ? "enter " : "leave ") + std::to_string(view));
+  }
+  void dismiss(ViewId popover) override { add("dismiss " + std::to_string(popover)); }
+
+  std::vector<std::string> take() { return std::exchange(story_, {}); }
+
+  std::function<void()> onAction = [] {};
+
+ private:
+  void add(std::string line) {
+    story_.push_back(std::move(line));
+    onAction();
+  }
+
+  std::vector<std::string> story_;
+};
+
+class MountTest : public ::testing::Test {
+ protected:
+  MountTest() { mount->widget()->show(); }
+
+  /// As the last child of `parent`.
+  InsertView insertion(ViewId id, NativeContent content, Rect frame, ViewId parent = kRootView) {
+    return {id, parent, 1000, {std::move(content)}, frame};
+  }
+
+  void insert(ViewId id, NativeContent content, Rect frame, ViewId parent = kRootView) {
+    apply({insertion(id, std::move(content), frame, parent)});
+  }
+
+  void update(ViewId id, NativeProperties properties) { apply({UpdateView{id, properties}}); }
+  void remove(ViewId id) { apply({RemoveView{id}}); }
+
+  void apply(const std::vector<ViewChange>& changes) { mount->apply(changes, {320, 400}); }
+
+  QWidget* widget(ViewId id) { return mount->widgetOf(id); }
+  template <class Widget>
+  Widget* as(ViewId id) {
+    return dynamic_cast<Widget*>(mount->widgetOf(id));
+  }
+
+  /// Everything that is due now happens; what is to be deleted goes.
+  static void settle() {
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCoreApplication::processEvents();
+  }
+
+  static void enter(QWidget* target) {
+    const QPointF middle(target->rect().center());
+    QEnterEvent event(middle, middle, target->mapToGlobal(middle));
+    QCoreApplication::sendEvent(target, &event);
+  }
+
+  static void leave(QWidget* target) {
+    QEvent event(QEvent::Leave);
+    QCoreApplication::sendEvent(target, &event);
+  }
+
+  /// Where the mouse is pressed, it is the window that decides whom it is for.
+  void clickAt(QPoint position) {
+    auto* const window = mount->widget()->window();
+    auto* const target = window->childAt(position);
+    QTest::mouseClick(target ? target : window, Qt::LeftButton, {},
+                      target ? target->mapFrom(window, position) : position);
+  }
+
+  RecordedActions actions;
+  std::unique_ptr<QtMount> mount = std::make_unique<QtMount>(actions);
+};
+
+inline const NativeLabel kLabel{.text = "Installer", .font = {}, .color = {}};
+inline const NativeSymbol kEjectSymbol{"eject.fill", Font::system(11), Color::red};
+inline const NativeShape kSquare{.fill = Color::red};
+
+}  // namespace quillmont::testing

@@ -1,0 +1,90 @@
+#include "platform/linux/views/view_widgets.h"
+
+#include "platform/linux/views/ButtonWidget.h"
+#include "platform/linux/views/CheckboxWidget.h"
+#include "platform/linux/views/GroupWidget.h"
+#include "platform/linux/views/LabelWidget.h"
+#include "platform/linux/views/ScrollWidget.h"
+#include "platform/linux/views/SegmentsWidget.h"
+#include "platform/linux/views/ShapeWidget.h"
+#include "platform/linux/views/SwitchWidget.h"
+#include "platform/linux/views/SymbolWidget.h"
+
+namespace quillmont {
+namespace {
+
+struct Maker {
+  QWidget* parent;
+  ViewId id;
+  ViewActions& actions;
+
+  NativeWidget* operator()(const NativeGroup&) const { return new GroupWidget(parent); }
+  NativeWidget* operator()(const NativeLabel&) const { return new LabelWidget(parent); }
+  NativeWidget* operator()(const NativeSymbol&) const { return new SymbolWidget(parent); }
+  NativeWidget* operator()(const NativeShape&) const { return new ShapeWidget(parent); }
+  NativeWidget* operator()(const NativeScroll&) const { return new ScrollWidget(parent); }
+  NativeWidget* operator()(const NativePopover&) const { return nullptr; }
+  NativeWidget* operator()(const NativeSwitch&) const {
+    return new SwitchWidget(parent, id, actions);
+  }
+  NativeWidget* operator()(const NativeCheckbox&) const {
+    return new CheckboxWidget(parent, id, actions);
+  }
+  NativeWidget* operator()(const NativeSegments&) const {
+    return new SegmentsWidget(parent, id, actions);
+  }
+  NativeWidget* operator()(const NativeButton&) const {
+    return new ButtonWidget(parent, id, actions);
+  }
+};
+
+std::string ownText(const NativeContent& content) {
+  if (const auto* const label = std::get_if<NativeLabel>(&content)) return label->text;
+  if (const auto* const checkbox = std::get_if<NativeCheckbox>(&content)) return checkbox->title;
+  return {};
+}
+
+/// Figures may lie in front of controls, as a card's outline does.
+bool letsMouseThrough(const NativeProperties& properties, bool inButton) {
+  if (properties.tracksHover || !properties.help.empty()) return false;
+  const auto& content = properties.content;
+  return std::holds_alternative<NativeLabel>(content) ||
+         std::holds_alternative<NativeSymbol>(content) ||
+         std::holds_alternative<NativeShape>(content) ||
+         (inButton && std::holds_alternative<NativeGroup>(content));
+}
+
+QString toolTip(const std::string& help) {
+  const auto text = QString::fromStdString(help);
+  return Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text;
+}
+
+void setText(QWidget& widget, QString (QWidget::*get)() const, void (QWidget::*set)(const QString&),
+             const std::string& text) {
+  const auto next = QString::fromStdString(text);
+  if ((widget.*get)() != next) (widget.*set)(next);
+}
+
+}  // namespace
+
+NativeWidget* makeViewWidget(const NativeContent& content, QWidget* parent, ViewId id,
+                             ViewActions& actions) {
+  return std::visit(Maker{parent, id, actions}, content);
+}
+
+void describeWidget(QWidget& widget, const NativeProperties& properties, const std::string& text,
+                    bool inButton) {
+  auto name = properties.accessibilityLabel;
+  if (name.empty()) name = ownText(properties.content);
+  if (name.empty()) name = text;
+  if (name.empty()) name = properties.help;
+  const auto description = properties.help == name ? std::string() : properties.help;
+  // Each of these is announced, changed or not.
+  setText(widget, &QWidget::accessibleName, &QWidget::setAccessibleName, name);
+  setText(widget, &QWidget::accessibleDescription, &QWidget::setAccessibleDescription, description);
+  const auto tip = toolTip(properties.help);
+  if (widget.toolTip() != tip) widget.setToolTip(tip);
+  widget.setAttribute(Qt::WA_TransparentForMouseEvents, letsMouseThrough(properties, inButton));
+}
+
+}  // namespace quillmont
