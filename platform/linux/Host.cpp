@@ -5,7 +5,6 @@
 #include <string>
 
 #include "platform/linux/EventLoop.h"
-#include "platform/linux/LinuxApplication.h"
 #include "platform/linux/LinuxBundle.h"
 #include "platform/linux/LinuxWorkspace.h"
 #include "platform/linux/PropertyListDefaults.h"
@@ -13,6 +12,8 @@
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/ThreadQueue.h"
 #include "platform/linux/XmlPropertyLists.h"
+#include "platform/linux/desktop/LinuxDesktop.h"
+#include "platform/linux/desktop/QtApplication.h"
 #include "platform/linux/kept_tool.h"
 #include "platform/linux/user_folders.h"
 #include "platform/posix/PosixFileManager.h"
@@ -48,7 +49,8 @@ ToolPaths toolPaths(const std::string& folder) {
 struct LinuxHost {
   StderrLog log;
   EventLoop loop;
-  LinuxApplication application{loop};
+  QtApplication application{loop, log};
+  LinuxDesktop desktop{application};
   SystemClock clock;
   ThreadQueues queues;
   LinuxBundle bundle{LinuxBundle::executableLink()};
@@ -82,6 +84,7 @@ const Host* makeHost() {
                   .clock = parts.clock,
                   .workspace = parts.workspace,
                   .application = parts.application,
+                  .desktop = parts.desktop,
                   .tools = toolPaths(parts.toolFolder),
                   .processIdentifier = getpid(),
                   .userIdentifier = getuid()};

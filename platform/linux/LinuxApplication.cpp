@@ -36,14 +36,14 @@ LinuxApplication::LinuxApplication(EventLoop& loop) : loop_(loop) {
 
 void LinuxApplication::run() {
   if (delegate_ && !terminating_) delegate_->applicationDidFinishLaunching();
-  loop_.run();
+  serve();
 }
 
 void LinuxApplication::terminate() {
   if (terminating_) return;
   terminating_ = true;
   if (delegate_) delegate_->applicationWillTerminate();
-  loop_.stop();
+  stopServing();
 }
 
 void LinuxApplication::takeSignals() {

@@ -1,0 +1,73 @@
+#include "platform/linux/desktop/QtApplication.h"
+
+#include <QFont>
+#include <cstdlib>
+
+#include "platform/linux/desktop/display_platform.h"
+#include "platform/linux/desktop/qt_messages.h"
+#include "platform/linux/desktop/session_bus.h"
+
+namespace quillmont {
+
+QtApplication::QtApplication(EventLoop& loop, Log& log) : LinuxApplication(loop), log_(log) {
+  sendQtMessagesTo(log);
+  keepFromStartingSessionBus();
+  const bool ownChoice = !qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+  arguments_.texts = {"Quillmont"};
+  if (ownChoice) {
+    arguments_.texts.insert(arguments_.texts.end(), {"-platform", qtPlatforms(findDisplays())});
+  }
+  for (auto& text : arguments_.texts) arguments_.pointers.push_back(text.data());
+  arguments_.count = static_cast<int>(arguments_.pointers.size());
+  arguments_.pointers.push_back(nullptr);
+
+  QApplication::setApplicationName("Quillmont");
+  QApplication::setDesktopFileName("com.norwaldex.Quillmont");
+  application_ = std::make_unique<QApplication>(arguments_.count, arguments_.pointers.data());
+  QApplication::setQuitOnLastWindowClosed(false);
+  // Han characters in their Simplified forms; by the system's own choice they may be Japanese ones.
+  QFont font = QApplication::font();
+  font.setFamilies({"Noto Sans CJK SC", "sans-serif"});
+  QApplication::setFont(font);
+  hasNoDisplay_ = ownChoice && QGuiApplication::platformName() == "offscreen";
+
+  notifier_ = std::make_unique<QSocketNotifier>(loop.descriptor(), QSocketNotifier::Read);
+  QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(),
+                   [&loop] { loop.dispatchPending(); });
+}
+
+/// Qt ends its loop by itself when the session manager says so. When the X server dies it ends the
+/// process from within the loop, and even then the delegate has its say.
+void QtApplication::serve() {
+  if (hasNoDisplay_ && !isTerminating()) {
+    log_.write("No display: watching disk images without a panel.");
+  }
+  static QtApplication* serving = nullptr;
+  serving = this;
+  std::atexit([] {
+    if (serving) serving->finish();
+  });
+  if (!isTerminating()) QApplication::exec();
+  serving = nullptr;
+  finish();
+  application_ = nullptr;
+}
+
+void QtApplication::finish() {
+  terminate();
+  qtWillEnd().send();
+  notifier_ = nullptr;
+}
+
+Signal<>& qtWillEnd() {
+  static Signal<> signal;
+  return signal;
+}
+
+void QtApplication::stopServing() {
+  notifier_->setEnabled(false);
+  LinuxApplication::stopServing();
+  QApplication::exit();
+}
+
+}  // namespace quillmont

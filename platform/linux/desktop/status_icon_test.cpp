@@ -1,0 +1,42 @@
+#include "platform/linux/desktop/status_icon.h"
+
+#include <gtest/gtest.h>
+
+#include <QImage>
+
+namespace quillmont {
+namespace {
+
+QImage picture(int side) {
+  return statusIcon("opticaldiscdrive.fill").pixmap(side).toImage();
+}
+
+TEST(StatusIcon, HasItsOwnPictureForEverySizeOfABar) {
+  const auto sizes = statusIcon("opticaldiscdrive.fill").availableSizes();
+  for (const int side : {16, 22, 24, 32, 44, 48, 64}) {
+    EXPECT_TRUE(sizes.contains(QSize(side, side))) << side;
+    EXPECT_EQ(picture(side).size(), QSize(side, side));
+  }
+}
+
+TEST(StatusIcon, IsLegibleOnLightAndOnDark) {
+  for (const int side : {16, 22, 48}) {
+    const auto image = picture(side);
+    int light = 0, dark = 0;
+    for (int y = 0; y < side; ++y) {
+      for (int x = 0; x < side; ++x) {
+        const auto pixel = image.pixelColor(x, y);
+        if (pixel.alpha() > 100) ++(pixel.lightness() > 200 ? light : dark);
+      }
+    }
+    EXPECT_GT(light, side * side / 10) << side;
+    EXPECT_GT(dark, side) << side;
+  }
+}
+
+TEST(StatusIcon, ASymbolThatIsNotKnownIsAnIconToo) {
+  EXPECT_FALSE(statusIcon("no.such.symbol").isNull());
+}
+
+}  // namespace
+}  // namespace quillmont
