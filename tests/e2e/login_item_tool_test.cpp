@@ -121,6 +121,7 @@ TEST_F(LoginItemTool, SettingMakesTheAgentAndTheEntryAndTakesThemAway) {
                         .clock = system.clock,
                         .workspace = system.workspace,
                         .application = system.application,
+                        .desktop = system.desktop,
                         .tools = {},
                         .processIdentifier = getpid(),
                         .userIdentifier = getuid()});

@@ -78,6 +78,7 @@ class MonitorOnRealImages : public ::testing::Test {
               .clock = clock,
               .workspace = workspace,
               .application = application,
+              .desktop = desktop,
               .tools = tools,
               .processIdentifier = getpid(),
               .userIdentifier = getuid()};
@@ -95,6 +96,7 @@ class MonitorOnRealImages : public ::testing::Test {
     PropertyListDefaults defaults;
     LinuxWorkspace workspace{loop, log, [] {}};
     FakeApplication application;
+    testing::FakeDesktop desktop;
     ConfigManager config{host()};
     std::shared_ptr<OpenMonitor> monitor;
   };

@@ -23,7 +23,8 @@ void writeText(const std::string& path, const std::string& text) {
 
 }  // namespace
 
-Session::Session(const std::string& bus) : bundle_(folder_.path() + "/Quillmont") {
+Session::Session(const std::string& bus, const Environment& changes)
+    : bundle_(folder_.path() + "/Quillmont") {
   for (const auto& loop : attachedLoopDevices()) foreignImages_.push_back(loop.backingFile);
   const auto home = folder_.path() + "/home";
   const auto runtime = folder_.path() + "/runtime";
@@ -38,6 +39,10 @@ Session::Session(const std::string& bus) : bundle_(folder_.path() + "/Quillmont"
                                   {"DBUS_SESSION_BUS_ADDRESS", bus},
                                   {"DISPLAY", ""},
                                   {"WAYLAND_DISPLAY", ""}});
+  for (const auto& [name, value] : changes) {
+    environment_.erase(name);
+    if (!value.empty()) environment_[name] = value;
+  }
 }
 
 std::string Session::settingsFile() const {

@@ -13,8 +13,9 @@ namespace quillmont::testing {
 
 class Session {
  public:
-  /// `bus` is the address of the session's message bus; empty for a session without one.
-  explicit Session(const std::string& bus = "");
+  /// `bus` is the address of the session's message bus; empty for a session without one. Without
+  /// `changes` to the environment it has no display either.
+  explicit Session(const std::string& bus = "", const Environment& changes = {});
 
   const Environment& environment() const { return environment_; }
   const std::string& bundle() const { return bundle_; }

@@ -71,6 +71,7 @@ class ThreadedMonitor : public ::testing::Test {
             .clock = clock,
             .workspace = system.workspace,
             .application = system.application,
+            .desktop = system.desktop,
             .tools = {},
             .processIdentifier = 999,
             .userIdentifier = 501};
