@@ -185,5 +185,57 @@ TEST_F(PanelControls, EscapeInTheAlertIsANo) {
   EXPECT_FALSE(eventually([this] { return fs::exists(marker()); }, 700ms));
 }
 
+/// With images that are only listed: as many, and of such names, as no machine has.
+class PanelList : public PanelTest {
+ protected:
+  void list(const std::vector<std::string>& names) {
+    PropertyListArray images;
+    for (const auto& name : names) {
+      images.push_back(PropertyListDictionary{
+          {"image-path", "/images/" + name + ".dmg"},
+          {"system-entities",
+           PropertyListArray{PropertyListDictionary{{"dev-entry", "/dev/none"},
+                                                    {"mount-point", "/Volumes/" + name}}}}});
+    }
+    startDesktop();
+    std::ofstream(session->folder() + "/list")
+        << *XmlPropertyLists().xml(PropertyListDictionary{{"images", images}});
+    session->replaceTool("hdiutil",
+                         "[ \"$1\" = info ] && exec cat '" + session->folder() + "/list'");
+    start();
+    openPanel();
+  }
+
+  ScreenRectangle titleOf(const std::string& name) {
+    const auto title = lab->accessibility().find("label", name);
+    return title ? title->rectangle : ScreenRectangle();
+  }
+};
+
+TEST_F(PanelList, HundredCardsScrollToTheLastOne) {
+  std::vector<std::string> names;
+  for (int i = 1; i <= 100; ++i) names.push_back("Image " + std::to_string(i));
+  list(names);
+  const auto first = lab->control("label", "Image 1").rectangle;
+  const auto header = lab->control("label", "Quillmont").rectangle;
+  lab->move(first.centerX(), first.centerY());
+  for (int i = 0; i < 150; ++i) {
+    lab->press(5);
+    lab->release(5);
+  }
+  const auto last = [&] { return titleOf("Image 100"); };
+  EXPECT_TRUE(eventually([&] { return last().height > 0 && last().y < first.y + 200; }, 10s));
+  EXPECT_EQ(titleOf("Quillmont"), header) << "the header stays";
+}
+
+TEST_F(PanelList, NameOf300CharactersStaysOnItsLine) {
+  const std::string name(300, 'n');
+  list({name, "Short"});
+  const auto title = lab->control("label", name).rectangle;
+  EXPECT_EQ(title.height, lab->control("label", "Short").rectangle.height);
+  const auto panel = windowOfWidth(320, 400)->rectangle;
+  EXPECT_LT(title.x + title.width, panel.x + panel.width - 80) << "beside the buttons";
+}
+
 }  // namespace
 }  // namespace quillmont::testing

@@ -30,7 +30,7 @@ void require(int status, const char* what) {
 }  // namespace
 
 StatusNotifierBar::StatusNotifierBar(const std::string& busAddress)
-    : address_(busAddress), stop_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+    : stop_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
   const auto callback = [](sd_bus_message* call, void* self, sd_bus_error*) {
     return static_cast<StatusNotifierBar*>(self)->answer(call);
   };
@@ -58,8 +58,8 @@ std::optional<std::string> StatusNotifierBar::waitForItem(std::chrono::milliseco
   return item();
 }
 
-bool StatusNotifierBar::activate(const std::string& item) const {
-  return run({"dbus-send", "--bus=" + address_, "--print-reply", "--dest=" + item,
+bool StatusNotifierBar::activate(const std::string& busAddress, const std::string& item) {
+  return run({"dbus-send", "--bus=" + busAddress, "--print-reply", "--dest=" + item,
               "/StatusNotifierItem", "org.kde.StatusNotifierItem.Activate", "int32:500",
               "int32:10"})
              .status == 0;

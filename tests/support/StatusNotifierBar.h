@@ -1,5 +1,4 @@
-// A status bar of the message bus that draws nothing: programs announce their items to it, and it
-// activates them as a click would.
+// A status bar of the message bus that draws nothing: programs announce their items to it.
 #pragma once
 
 #include <chrono>
@@ -28,15 +27,14 @@ class StatusNotifierBar {
   /// Waits until an item has been announced: its service on the bus.
   std::optional<std::string> waitForItem(std::chrono::milliseconds limit) const;
 
-  /// Has the item activated; false if it does not answer.
-  bool activate(const std::string& item) const;
+  /// Has the item of a program activated, as a click on it does; false if it does not answer.
+  static bool activate(const std::string& busAddress, const std::string& item);
 
  private:
   void serve();
   int answer(sd_bus_message* call);
   int answerProperties(sd_bus_message* call);
 
-  const std::string address_;
   sd_bus* bus_ = nullptr;  ///< the thread's alone once it runs
   Descriptor stop_;
   mutable std::mutex lock_;
