@@ -18,10 +18,13 @@ using namespace std::chrono_literals;
 
 constexpr auto kPatience = 10s;
 constexpr ScreenColor kWallpaper = {126, 160, 183};
-constexpr int kMargin = 12;      ///< points around what is to be seen
-constexpr int kWidestIcon = 64;  ///< pixels
-constexpr int kThinnest = 4;     ///< pixels; what is smaller is nothing to look at
-constexpr int kHalfCard = 24;    ///< points
+constexpr int kWidth = 1280;  ///< of the desktop, in points
+constexpr int kHeight = 800;
+constexpr int kTrayMargin = 220;  ///< points from the screen's corner
+constexpr int kMargin = 12;       ///< points around what is to be seen
+constexpr int kWidestIcon = 64;   ///< pixels
+constexpr int kThinnest = 4;      ///< pixels; what is smaller is nothing to look at
+constexpr int kHalfCard = 24;     ///< points
 
 void setAge(const std::string& node, std::chrono::seconds age) {
   struct timespec times[2];
@@ -40,21 +43,32 @@ void require(Condition condition, const std::string& what) {
 
 }  // namespace
 
-Studio::Studio(std::string folder, const DesktopOptions& options, int scale)
+Studio::Studio(std::string folder, bool compositor, const std::string& trayEdge, int scale)
     : folder_(std::move(folder)),
       scale_(scale),
-      width_(options.width),
-      height_(options.height),
-      lab_(options),
+      width_(kWidth * scale),
+      height_(kHeight * scale),
+      lab_({.width = width_, .height = height_, .compositor = compositor, .tray = Tray::none}),
       wallpaper_(lab_.display(), kWallpaper),
       recorder_(lab_.busAddress()),
       session_(lab_.busAddress(), lab_.changes()),
       images_(session_.environment()) {
   session_.store({});
+  startTray(trayEdge);
 }
 
 Studio::~Studio() {
   endProgram();
+}
+
+void Studio::startTray(const std::string& edge) {
+  const auto pixels = [this](int points) { return std::to_string(points * scale_); };
+  tray_ = std::make_unique<Program>(
+      std::vector<std::string>{"setpriv", "--pdeathsig", "KILL", "trayer", "--edge", edge,
+                               "--align", "right", "--margin", pixels(kTrayMargin), "--widthtype",
+                               "request", "--height", pixels(24), "--SetDockType", "true",
+                               "--SetPartialStrut", "true"},
+      session_.environment());
 }
 
 void Studio::endProgram() {

@@ -20,8 +20,10 @@ namespace quillmont::testing {
 /// thread.
 class Studio {
  public:
-  /// Pictures go into `folder`. `scale` is the number of pixels to a point.
-  Studio(std::string folder, const DesktopOptions& options, int scale = 1);
+  /// Pictures go into `folder`. The tray is at the top or the bottom edge, some way from the corner
+  /// so that there is desktop on all sides of the panel. `scale` is the number of pixels to a
+  /// point.
+  Studio(std::string folder, bool compositor, const std::string& trayEdge = "top", int scale = 1);
   ~Studio();
   Studio(const Studio&) = delete;
   Studio& operator=(const Studio&) = delete;
@@ -53,6 +55,7 @@ class Studio {
   void takePicture(const std::string& name);
 
  private:
+  void startTray(const std::string& edge);
   void endProgram();
   std::vector<ScreenRectangle> ownWindows();
   std::optional<ScreenRectangle> icon();
@@ -67,6 +70,7 @@ class Studio {
   Session session_;
   DiskImages images_;
   std::list<Program> holders_;
+  std::unique_ptr<Program> tray_;
   std::unique_ptr<Program> program_;
 };
 

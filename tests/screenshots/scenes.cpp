@@ -20,22 +20,20 @@ constexpr char kReadmit[] = "允许自动推出";
 constexpr char kGear[] = "更多操作";
 constexpr char kUninstall[] = "彻底卸载并清理";
 
-DesktopOptions composited() {
-  return {.compositor = true};
-}
-
 void attachThree(Studio& studio) {
   studio.attach(kPhotos, 192s);
   studio.attach(kSketches, 47s);
   studio.attach(kNotes, 30s);
 }
 
-/// Opens the panel with a card of each kind.
+/// Opens the panel with a card of each kind. What was excluded once stays so.
 void openWithEachKind(Studio& studio) {
   studio.openPanel();
   studio.waitFor("label", kPhotos);
   studio.hold(kSketches);
-  studio.click(studio.buttonOf(kNotes, kExclude));
+  if (!studio.desktop().accessibility().find("push button", kReadmit)) {
+    studio.click(studio.buttonOf(kNotes, kExclude));
+  }
   studio.waitFor("label", "已排除自动推出");
   studio.moveAway();
 }
@@ -63,21 +61,21 @@ void takeStates(Studio& studio) {
   studio.waitFor("label", "已空闲");
 }
 
-void takeHover(Studio& studio) {
+void takeHover(Studio& studio, const std::string& name) {
   studio.moveTo(studio.buttonOf(kPhotos, kEject));
   studio.waitFor("tool tip", kEject);
-  studio.takePicture("hover");
+  studio.takePicture(name);
   studio.moveAway();
 }
 
-void takeMenu(Studio& studio, const std::string& name) {
+void openMenu(Studio& studio) {
   studio.click(studio.waitFor("push button", kGear));
   studio.moveTo(studio.waitFor("push button", kUninstall));
-  studio.takePicture(name);
 }
 
-/// From the open menu; answered with no.
+/// Answered with no.
 void takeAlert(Studio& studio) {
+  openMenu(studio);
   studio.click(studio.waitFor("push button", kUninstall));
   const auto question = studio.waitFor("label", "确定要彻底卸载");
   studio.takePicture("alert");
@@ -85,38 +83,41 @@ void takeAlert(Studio& studio) {
   studio.desktop().waitUntilGone(question.role, question.name);
 }
 
-/// The desktop turns dark under the running program.
+/// On a desktop that was light so far.
 void takeDark(Studio& studio, bool withImages) {
   const DarkDesktop dark(studio.desktop().busAddress());
   if (withImages) {
     openWithEachKind(studio);
-    studio.takePicture("panel-dark");
+    takeHover(studio, "hover-dark");
   } else {
     studio.openPanel();
   }
-  takeMenu(studio, "dark");
+  openMenu(studio);
+  studio.takePicture("dark");
 }
 
 void takeMany(Studio& studio) {
+  if (DiskImages::whyImpossible("btrfs").empty()) {
+    studio.attach("An archive of every letter that was ever written from the lighthouse", 600s);
+  }
   for (const char* name : {"Ledger 2026", "Woodblock Fonts", "四月账目", "Harbour Charts",
                            "Compiler Kit 15", "Seed Catalogue", "录音 07", "Night Sky Atlas"}) {
     studio.attach(name, 75s);
   }
-  if (DiskImages::whyImpossible("btrfs").empty()) {
-    studio.attach("An archive of every letter that was ever written from the lighthouse", 600s);
-  }
   studio.openPanel();
-  const auto first = studio.waitFor("label", kPhotos);
-  studio.moveTo(first);
-  studio.desktop().press(5);
-  studio.desktop().release(5);
+  studio.moveTo(studio.waitFor("label", kPhotos));
+  studio.waitFor("label", "Night Sky Atlas");
+  for (int notch = 0; notch < 2; ++notch) {
+    studio.desktop().press(5);
+    studio.desktop().release(5);
+  }
   studio.takePicture("many");
 }
 
 }  // namespace
 
 void takeUsualPictures(const std::string& folder, bool withImages) {
-  Studio studio(folder, composited());
+  Studio studio(folder, true);
   studio.openPanel();
   studio.waitFor("label", "暂无挂载的 DMG 镜像");
   studio.takePicture("empty");
@@ -125,29 +126,36 @@ void takeUsualPictures(const std::string& folder, bool withImages) {
     studio.attach(kSketches, 47s);
     studio.attach(kNotes, 30s);
     openWithEachKind(studio);
-    studio.takePicture("panel-light");
-    takeHover(studio);
+    takeHover(studio, "hover");
   }
-  takeMenu(studio, "gear-menu");
   takeAlert(studio);
   takeDark(studio, withImages);
   if (withImages) takeMany(studio);
 }
 
-void takeSharpPicture(const std::string& folder, bool withImages) {
-  Studio studio(folder, {.width = 2048, .height = 1536, .compositor = true}, 2);
+void takeSharpPictures(const std::string& folder, bool withImages) {
+  Studio studio(folder, true, "top", 2);
   openFurnished(studio, withImages);
-  takeMenu(studio, "2x");
+  if (withImages) {
+    studio.takePicture("panel-light");
+    takeHover(studio, "2x");
+  }
+  openMenu(studio);
+  studio.takePicture("gear-menu");
+  if (!withImages) return;
+  const DarkDesktop dark(studio.desktop().busAddress());
+  openWithEachKind(studio);
+  studio.takePicture("panel-dark");
 }
 
 void takeOpaquePicture(const std::string& folder, bool withImages) {
-  Studio studio(folder, {});
+  Studio studio(folder, false);
   openFurnished(studio, withImages);
   studio.takePicture("no-compositor");
 }
 
 void takeBottomPicture(const std::string& folder, bool withImages) {
-  Studio studio(folder, {.compositor = true, .trayEdge = "bottom"});
+  Studio studio(folder, true, "bottom");
   openFurnished(studio, withImages);
   studio.takePicture("tray-bottom");
 }

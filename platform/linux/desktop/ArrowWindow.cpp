@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>
+#include <QLinearGradient>
 #include <QPainter>
 #include <QScreen>
 #include <QTimer>
@@ -54,6 +55,36 @@ void paintShadow(QPainter& painter, const QPainterPath& outline) {
     painter.strokePath(outline, pen);
   }
   painter.restore();
+}
+
+/// Where a window of this size has the arrow of its body: the strip up to its edge.
+QRectF arrowStrip(QRectF window, const QRectF& body, RectEdge edge) {
+  if (edge == RectEdge::minY) window.setBottom(body.top());
+  if (edge == RectEdge::maxY) window.setTop(body.bottom());
+  if (edge == RectEdge::minX) window.setLeft(body.right());
+  if (edge == RectEdge::maxX) window.setRight(body.left());
+  return window;
+}
+
+/// The window ends at the arrow's tip, where the shadow would be cut off in its middle.
+void fadeShadow(QPainter& painter, const QRectF& window, const QRectF& body, RectEdge edge) {
+  const auto strip = arrowStrip(window, body, edge);
+  const bool fromFarSide = edge == RectEdge::minY || edge == RectEdge::maxX;
+  const bool upright = edge == RectEdge::minY || edge == RectEdge::maxY;
+  const auto far = upright ? strip.bottomLeft() : strip.topRight();
+  QLinearGradient fade(fromFarSide ? far : strip.topLeft(), fromFarSide ? strip.topLeft() : far);
+  fade.setColorAt(0, Qt::black);
+  fade.setColorAt(1, Qt::transparent);
+  painter.save();
+  painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+  painter.fillRect(strip, fade);
+  painter.restore();
+}
+
+/// Equally wide on the arrow's slopes too.
+QPainterPath borderInside(const QPainterPath& outline) {
+  const QPainterPathStroker stroker(QPen(Qt::black, 2 * kBorder));
+  return stroker.createStroke(outline).intersected(outline);
 }
 
 QRegion inDevicePixels(const QPainterPath& path, double scale) {
@@ -203,15 +234,17 @@ const QPixmap& ArrowWindow::chrome() {
 
 void ArrowWindow::paintChrome(QPixmap& target) const {
   const auto outline = arrowOutline(bodyInWindow(), placement_);
-  const auto line = arrowOutline(QRectF(bodyInWindow()).adjusted(0.5, 0.5, -0.5, -0.5), placement_);
   // Where nothing blends the window with what lies below it, its edge must not be transparent.
   target.fill(composited_ ? QColor(Qt::transparent) : background_);
   QPainter painter(&target);
   painter.setRenderHint(QPainter::Antialiasing);
   if (composited_) paintShadow(painter, outline);
+  if (composited_ && placement_.edge) {
+    fadeShadow(painter, rect(), bodyInWindow(), *placement_.edge);
+  }
   painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
   painter.fillPath(outline, background_);
-  painter.strokePath(line, QPen(borderColor(background_), kBorder));
+  painter.fillPath(borderInside(outline), borderColor(background_));
 }
 
 void ArrowWindow::closeWhenProgramIsLeft() {

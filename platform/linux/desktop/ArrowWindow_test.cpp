@@ -85,6 +85,38 @@ TEST(ArrowWindow, PaintsItsArrowAndKeepsItsCornersRound) {
   EXPECT_EQ(f.pixel(body.topLeft() + QPoint(kBodyRadius, 2)), QColor(Qt::red));
 }
 
+TEST(ArrowWindow, ItsShadowEndsBeforeTheWindowDoes) {
+  const QRect anchor(390, 380, 20, 20);
+  for (const auto edge : {RectEdge::minX, RectEdge::minY, RectEdge::maxX, RectEdge::maxY}) {
+    Fixture f;
+    f.content->resize(200, 200);
+    f.window.showAt(anchor, edge);
+    const auto picture = f.window.grab().toImage();
+    const int x = picture.width() / 4, y = picture.height() / 4;  // beside the arrow
+    for (const auto& end : {QPoint(x, 0), QPoint(x, picture.height() - 1), QPoint(0, y),
+                            QPoint(picture.width() - 1, y)}) {
+      EXPECT_LT(picture.pixelColor(end).alpha(), 6) << end.x() << ", " << end.y();
+    }
+    const auto body = f.contentOnScreen().adjusted(-1, -1, 1, 1);
+    for (const auto& beside : {body.topLeft() + QPoint(40, -1), body.bottomLeft() + QPoint(40, 1),
+                               body.topLeft() + QPoint(-1, 40), body.topRight() + QPoint(1, 40)}) {
+      EXPECT_GT(f.pixel(beside).alpha(), 20) << "there is a shadow";
+    }
+  }
+}
+
+TEST(ArrowWindow, TheBorderIsTheSameOnBothSlopesOfTheArrow) {
+  Fixture f;
+  f.window.showAt(kAnchor, RectEdge::minY);
+  const int y = f.contentOnScreen().top() - 6;
+  const int middle = kAnchor.left() + kAnchor.right() + 1;  // of the anchor, twice
+  for (int x = kAnchor.left() - 4; x < kAnchor.center().x(); ++x) {
+    const auto left = f.pixel(QPoint(x, y)), right = f.pixel(QPoint(middle - 1 - x, y));
+    EXPECT_NEAR(left.blue(), right.blue(), 2) << x;
+    EXPECT_NEAR(left.alpha(), right.alpha(), 2) << x;
+  }
+}
+
 TEST(ArrowWindow, TakesAnotherBackground) {
   Fixture f;
   f.window.showAt(kAnchor, RectEdge::minY);

@@ -1,6 +1,7 @@
 #include "platform/linux/desktop/LinuxDesktop.h"
 
 #include <QPalette>
+#include <QToolTip>
 #include <chrono>
 #include <utility>
 
@@ -16,12 +17,20 @@ SwallowGuard::Time now() {
   return std::chrono::steady_clock::now();
 }
 
+void takeColors(bool dark) {
+  setDark(dark);
+  auto palette = QToolTip::palette();
+  palette.setColor(QPalette::ToolTipBase, colorNow(Color::windowBackground));
+  palette.setColor(QPalette::ToolTipText, colorNow(Color::primary));
+  QToolTip::setPalette(palette);
+}
+
 }  // namespace
 
 // The colours change before any popover, which subscribes later, takes them.
 LinuxDesktop::LinuxDesktop(const LinuxApplication& application)
-    : application_(application), appearanceChange_(appearance_.didChange().subscribe(&setDark)) {
-  setDark(appearance_.isDark());
+    : application_(application), appearanceChange_(appearance_.didChange().subscribe(&takeColors)) {
+  takeColors(appearance_.isDark());
   mouse_.onButton = [this](std::uint32_t button, bool pressed) {
     pressed ? guard_.pressed() : guard_.released(button, now());
   };
