@@ -30,6 +30,11 @@ bool tellsOfClicksElsewhere() {
   return qtX11Connection() && !isWithinWayland();
 }
 
+/// On Wayland the compositor chooses a window's place, and an arrow would point at nothing.
+bool choosesItsPlace() {
+  return !QGuiApplication::platformName().startsWith("wayland");
+}
+
 /// Without a compositor, X11 shows black where a window is transparent.
 bool isComposited() {
   auto* const connection = qtX11Connection();
@@ -154,7 +159,7 @@ void ArrowWindow::setBackground(const QColor& color) {
 }
 
 void ArrowWindow::showAt(const QRect& anchor, RectEdge edge) {
-  anchor_ = anchor;
+  anchor_ = choosesItsPlace() ? std::optional(anchor) : std::nullopt;
   preferredEdge_ = edge;
   present();
 }
@@ -201,7 +206,10 @@ void ArrowWindow::arrange() {
   placement_ = anchor_ ? placeAtAnchor(*anchor_, size, available, preferredEdge_)
                        : placeInCorner(size, screen->geometry(), available);
   setScreen(screen);
-  setGeometry(placement_.body + windowMargins(placement_, composited_ ? kShadow : 0));
+  const auto window = placement_.body + windowMargins(placement_, composited_ ? kShadow : 0);
+  // Desktops that tile their windows leave those alone that have one size only.
+  setFixedSize(window.size());
+  setGeometry(window);
   const auto body = bodyInWindow();
   if (content_) content_->move(body.topLeft() + QPoint(kBorder, kBorder));
   corners_->place(body);

@@ -53,6 +53,13 @@ TEST(ArrowWindow, FollowsItsContentsSize) {
   EXPECT_EQ(f.contentOnScreen().center().x(), 399);
 }
 
+TEST(ArrowWindow, HasOneSizeOnlySoThatADesktopOfTilesLetsItFloat) {
+  Fixture f;
+  f.window.showAt(kAnchor, RectEdge::minY);
+  EXPECT_EQ(f.window.minimumSize(), f.window.size());
+  EXPECT_EQ(f.window.maximumSize(), f.window.size());
+}
+
 TEST(ArrowWindow, TakesUpASizeThatChangedWhileItWasHidden) {
   Fixture f;
   f.window.showAt(kAnchor, RectEdge::minY);
