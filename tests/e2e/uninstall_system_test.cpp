@@ -203,6 +203,10 @@ class UninstallOnAMac : public UninstallOnAnotherSystem {
                 layOver(root + "/uname", "/usr/bin/uname");
                 layOver(root + "/ps", "/usr/bin/ps");
                 layOver(root + "/sbin", "/usr/sbin");
+                // GNUstep has a tool of that name, which a Mac's path would find first.
+                if (fs::exists("/usr/bin/defaults")) {
+                  layOver(root + "/sbin/defaults", "/usr/bin/defaults");
+                }
                 const auto outcome = uninstall(application);
                 EXPECT_EQ(outcome.status, status) << outcome.standardError;
               }),
