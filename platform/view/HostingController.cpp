@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/view/changes.h"
 #include "platform/view/layout.h"
 #include "platform/view/native_tree.h"
 #include "platform/view/resolve.h"

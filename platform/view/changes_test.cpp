@@ -1,13 +1,14 @@
 // What changesBetween() tells a host: the stories of single changes, and random trees against a
 // host in memory.
 
+#include "platform/view/changes.h"
+
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <numeric>
 #include <random>
 
-#include "platform/view/native_tree.h"
 #include "tests/support/FakeMount.h"
 
 namespace quillmont {

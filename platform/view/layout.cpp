@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <functional>
 
 #include "platform/view/Layouter.h"
 
@@ -41,37 +40,6 @@ double alignedOffset(AlignmentOfAxis alignment, double free) {
 }
 
 }  // namespace
-
-std::size_t TextSizes::Hash::operator()(const Question& question) const {
-  std::size_t hash = std::hash<std::string>()(question.text);
-  const auto mix = [&hash](double number) { hash = hash * 31 + std::hash<double>()(number); };
-  mix(question.font.size);
-  mix(static_cast<double>(question.font.weight));
-  mix(question.width.value_or(-1));
-  mix(question.lineLimit.value_or(-1));
-  return hash;
-}
-
-Size TextSizes::size(const std::string& text, const Font& font, std::optional<double> width,
-                     std::optional<int> lineLimit, const Metrics& metrics) {
-  Question question{text, font, width, lineLimit};
-  if (const auto found = current_.find(question); found != current_.end()) return found->second;
-  const auto before = previous_.find(question);
-  const Size size =
-      before != previous_.end() ? before->second : metrics.textSize(text, font, width, lineLimit);
-  current_.emplace(std::move(question), size);
-  return size;
-}
-
-void TextSizes::beginLayout() {
-  previous_ = std::move(current_);
-  current_.clear();
-}
-
-void TextSizes::clear() {
-  previous_.clear();
-  current_.clear();
-}
 
 Size Layouter::sizeOf(const Element& element, const ProposedSize& offer) {
   const auto measured = [&] {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "platform/view/View.h"
+#include "platform/view/changes.h"
 #include "tests/support/FakeMount.h"
 #include "tests/support/LaidOut.h"
 
