@@ -19,6 +19,8 @@ namespace {
 constexpr char kCancelTitle[] = "取消";
 constexpr int kMargin = 20;
 constexpr int kSpacing = 12;
+constexpr int kIconSpacing = 16;
+constexpr int kMessageSize = 14, kInformationSize = 12;  ///< of their letters
 constexpr int kIconSize = 48;
 constexpr int kTextWidth = 360;
 constexpr int kButtonWidth = 92;
@@ -59,6 +61,8 @@ class AlertDialog : public QDialog {
     rows->setSizeConstraint(QLayout::SetFixedSize);
     rows->addLayout(makeTexts(alert));
     rows->addLayout(makeButtons(alert.buttonTitles));
+    // Return presses the button with the focus, and the first one as long as none has it.
+    if (first_) first_->setDefault(true);
   }
 
   /// None: it has gone without one.
@@ -73,11 +77,11 @@ class AlertDialog : public QDialog {
     icon->setPixmap(style()->standardIcon(iconOf(alert.style)).pixmap(kIconSize));
     auto* const texts = new QVBoxLayout;
     texts->setSpacing(kSpacing / 2);
-    texts->addWidget(makeText(alert.messageText, 14, QFont::Bold));
-    texts->addWidget(makeText(alert.informativeText, 12, QFont::Normal));
+    texts->addWidget(makeText(alert.messageText, kMessageSize, QFont::Bold));
+    texts->addWidget(makeText(alert.informativeText, kInformationSize, QFont::Normal));
     texts->addStretch();
     auto* const row = new QHBoxLayout;
-    row->setSpacing(kMargin - 4);
+    row->setSpacing(kIconSpacing);
     row->addWidget(icon, 0, Qt::AlignTop);
     row->addLayout(texts);
     return row;
@@ -90,10 +94,9 @@ class AlertDialog : public QDialog {
     for (std::size_t index = 0; index < titles.size(); ++index) {
       auto* const button = new QPushButton(QString::fromStdString(titles[index]));
       button->setMinimumWidth(kButtonWidth);
-      button->setAutoDefault(false);
-      button->setDefault(index == 0);
       connect(button, &QPushButton::clicked, this, [this, index] { answerWith(index); });
       row->addWidget(button);
+      if (!first_) first_ = button;
     }
     const auto cancel = std::find(titles.begin(), titles.end(), kCancelTitle);
     if (cancel != titles.end()) {
@@ -109,6 +112,7 @@ class AlertDialog : public QDialog {
     done(Accepted);
   }
 
+  QPushButton* first_ = nullptr;
   std::optional<std::size_t> answer_, escapeAnswer_;
 };
 

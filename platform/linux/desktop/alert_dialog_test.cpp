@@ -64,6 +64,16 @@ TEST(AlertDialog, ReturnPressesTheFirstButton) {
   EXPECT_EQ(answered(kQuestion, [](QWidget& window) { press(window, Qt::Key_Return); }), 1000);
 }
 
+TEST(AlertDialog, ReturnPressesTheButtonThatTabHasGoneTo) {
+  EXPECT_EQ(answered(kQuestion,
+                     [](QWidget& window) {
+                       auto* const cancel = buttonsFromTheLeft(window).at(1);
+                       cancel->setFocus(Qt::TabFocusReason);
+                       press(*cancel, Qt::Key_Return);
+                     }),
+            1001);
+}
+
 TEST(AlertDialog, EscapeAndTheCloseButtonCancel) {
   EXPECT_EQ(answered(kQuestion, [](QWidget& window) { press(window, Qt::Key_Escape); }), 1001);
   EXPECT_EQ(answered(kQuestion, [](QWidget& window) { window.close(); }), 1001);
