@@ -19,7 +19,7 @@ struct Alert {
 /// The answer of the first button; every further one answers one more.
 inline constexpr std::int64_t kAlertFirstButtonReturn = 1000;
 
-/// The answer of an alert that went without a button: the program is being ended.
+/// The answer of an alert that went without a button: the program is being ended, or it has none.
 inline constexpr std::int64_t kAlertAborted = -1001;
 
 }  // namespace quillmont

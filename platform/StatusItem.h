@@ -18,8 +18,8 @@ class StatusItemButton {
  public:
   virtual ~StatusItemButton() = default;
 
-  /// Shows the system symbol `symbolName` in the bar's own colour. Readers of the screen are told
-  /// `accessibilityDescription`.
+  /// Shows the system symbol `symbolName` in the bar's own colour or, where a bar does not tell it,
+  /// so that it is legible on any. Readers of the screen are told `accessibilityDescription`.
   virtual void setImage(const std::string& symbolName,
                         const std::string& accessibilityDescription) = 0;
 

@@ -115,7 +115,7 @@ using NativeContent =
 struct NativeProperties {
   NativeContent content;
   std::string help = {};                ///< tooltip; empty for none
-  std::string accessibilityLabel = {};  ///< what a control is called; empty where its text says it
+  std::string accessibilityLabel = {};  ///< what a control is called; empty where its title does
   bool tracksHover = false;             ///< the pointer's coming and going is to be told
   double opacity = 1;
   bool operator==(const NativeProperties&) const = default;

@@ -16,7 +16,7 @@ class ViewActions {
   virtual void toggle(ViewId control, bool isOn) = 0;
   virtual void select(ViewId segments, std::size_t index) = 0;
   virtual void hover(ViewId view, bool isInside) = 0;
-  /// The popover was closed from outside of it.
+  /// The popover is to close: the user has turned away from it.
   virtual void dismiss(ViewId popover) = 0;
 };
 

@@ -25,11 +25,6 @@ constexpr Qt::WindowFlags kFlags =
 /// How long the keyboard may belong to nobody while it goes from one of our windows to another.
 constexpr std::chrono::milliseconds kFocusSettles{100};
 
-/// Clicks on other programs come from the X server alone, and only from one that sees them all.
-bool tellsOfClicksElsewhere() {
-  return qtX11Connection() && !isWithinWayland();
-}
-
 /// On Wayland the compositor chooses a window's place, and an arrow would point at nothing.
 bool choosesItsPlace() {
   return !QGuiApplication::platformName().startsWith("wayland");
@@ -140,7 +135,7 @@ ArrowWindow::ArrowWindow(QWidget* owner) : QWidget(owner, kFlags), corners_(new 
   setAttribute(Qt::WA_TranslucentBackground);
   setAttribute(Qt::WA_AlwaysShowToolTips);
   connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, [this](QWindow* focused) {
-    if (focused || !isVisible() || tellsOfClicksElsewhere()) return;
+    if (focused || !isVisible() || tellsOfEveryPress()) return;
     QTimer::singleShot(kFocusSettles, this, [this] { closeWhenProgramIsLeft(); });
   });
 }
@@ -192,6 +187,8 @@ void ArrowWindow::paintEvent(QPaintEvent*) {
 void ArrowWindow::present() {
   composited_ = isComposited();
   arrange();
+  // No control of a panel has the keyboard before Tab gives it one: Space would press it unseen.
+  if (!isVisible() && !parentWidget()) setFocus();
   show();
   raise();
   activateWindow();

@@ -139,6 +139,20 @@ TEST(ArrowWindow, InTheCornerItHasNoArrow) {
   EXPECT_EQ(f.window.mapToGlobal(QPoint(0, 0)).y(), body.top() - 16) << "shadow on every side";
 }
 
+TEST(ArrowWindow, ShowsTooltipsThoughItsProgramIsHardlyEverTheActiveOne) {
+  EXPECT_TRUE(ArrowWindow().testAttribute(Qt::WA_AlwaysShowToolTips));
+}
+
+TEST(ArrowWindow, NoControlHasTheKeyboardBeforeTabGivesItOne) {
+  Fixture f;
+  f.content->setFocusPolicy(Qt::TabFocus);
+  f.content->setFocus();
+  f.window.showAt(kAnchor, RectEdge::minY);
+  QApplication::setActiveWindow(&f.window);
+  EXPECT_EQ(QApplication::focusWidget(), &f.window);
+  f.window.hide();
+}
+
 TEST(ArrowWindow, AsksToBeClosedAndStaysOpen) {
   Fixture f;
   f.window.showAt(kAnchor, RectEdge::minY);

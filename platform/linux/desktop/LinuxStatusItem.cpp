@@ -1,7 +1,7 @@
 #include "platform/linux/desktop/LinuxStatusItem.h"
 
+#include <QApplication>
 #include <QCursor>
-#include <QGuiApplication>
 #include <QScreen>
 #include <utility>
 
@@ -82,6 +82,8 @@ void LinuxStatusItem::appear() {
 /// The second press of a double click is a click like the first.
 void LinuxStatusItem::activated(QSystemTrayIcon::ActivationReason reason) {
   if (reason != QSystemTrayIcon::Trigger && reason != QSystemTrayIcon::DoubleClick) return;
+  // An alert is answered first. Qt itself keeps clicks from windows only.
+  if (QApplication::activeModalWidget()) return;
   if (!isWindowOfOurs() && swallows_()) return;
   clickedByUser_ = true;
   click();

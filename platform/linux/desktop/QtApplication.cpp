@@ -1,13 +1,33 @@
 #include "platform/linux/desktop/QtApplication.h"
 
+#include <QEvent>
 #include <QFont>
 #include <cstdlib>
 
 #include "platform/linux/desktop/display_platform.h"
 #include "platform/linux/desktop/qt_messages.h"
 #include "platform/linux/desktop/session_bus.h"
+#include "platform/linux/views/text_lines.h"
 
 namespace quillmont {
+
+/// The session manager's wish. Qt would ask the windows first, of which a panel closes for nobody.
+class QtApplication::QuitFilter : public QObject {
+ public:
+  explicit QuitFilter(QtApplication& application) : application_(application) {}
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (watched != qApp || event->type() != QEvent::Quit) return false;
+    application_.terminate();
+    return true;
+  }
+
+ private:
+  QtApplication& application_;
+};
+
+QtApplication::~QtApplication() = default;
 
 QtApplication::QtApplication(EventLoop& loop, Log& log) : LinuxApplication(loop), log_(log) {
   sendQtMessagesTo(log);
@@ -25,9 +45,10 @@ QtApplication::QtApplication(EventLoop& loop, Log& log) : LinuxApplication(loop)
   QApplication::setDesktopFileName("com.norwaldex.Quillmont");
   application_ = std::make_unique<QApplication>(arguments_.count, arguments_.pointers.data());
   QApplication::setQuitOnLastWindowClosed(false);
-  // Han characters in their Simplified forms; by the system's own choice they may be Japanese ones.
+  quitFilter_ = std::make_unique<QuitFilter>(*this);
+  qApp->installEventFilter(quitFilter_.get());
   QFont font = QApplication::font();
-  font.setFamilies({"Noto Sans CJK SC", "sans-serif"});
+  font.setFamilies(fontFamilies());
   QApplication::setFont(font);
   hasNoDisplay_ = ownChoice && QGuiApplication::platformName() == "offscreen";
 
@@ -36,8 +57,8 @@ QtApplication::QtApplication(EventLoop& loop, Log& log) : LinuxApplication(loop)
                    [&loop] { loop.dispatchPending(); });
 }
 
-/// Qt ends its loop by itself when the session manager says so. When the X server dies it ends the
-/// process from within the loop, and even then the delegate has its say.
+/// When the X server dies, Qt ends the process from within its loop, and even then the delegate has
+/// its say.
 void QtApplication::serve() {
   if (hasNoDisplay_ && !isTerminating()) {
     log_.write("No display: watching disk images without a panel.");

@@ -24,12 +24,15 @@ class QtApplication : public LinuxApplication {
  public:
   /// Both must outlive the process: Qt may still have something to say when it ends.
   QtApplication(EventLoop& loop, Log& log);
+  ~QtApplication() override;
 
  protected:
   void serve() override;
   void stopServing() override;
 
  private:
+  class QuitFilter;
+
   void finish();
 
   /// What Qt reads as the program's command line, for as long as it lives.
@@ -42,11 +45,12 @@ class QtApplication : public LinuxApplication {
   Log& log_;
   bool hasNoDisplay_ = false;
   Arguments arguments_;
+  std::unique_ptr<QuitFilter> quitFilter_;
   std::unique_ptr<QApplication> application_;
   std::unique_ptr<QSocketNotifier> notifier_;
 };
 
-/// Sent when Qt is about to go. What is made of it has to go now: the program's own objects may
+/// Sent when Qt is about to go. Windows and icons have to go now: the program's own objects may
 /// live longer than that.
 Signal<>& qtWillEnd();
 

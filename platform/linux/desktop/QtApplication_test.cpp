@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 
+#include "platform/linux/desktop/ArrowWindow.h"
 #include "platform/linux/desktop/LinuxDesktop.h"
 #include "platform/linux/desktop/alert_dialog.h"
 #include "platform/view/HostingController.h"
@@ -93,6 +94,18 @@ TEST(QtApplication, WhenQtEndsByItselfTheDelegateIsTold) {
   EXPECT_EQ(forked([] {
               Fixture f;
               f.loop.async([] { QApplication::exit(1); });
+              f.application.run();
+              EXPECT_EQ(f.delegate.events, "launched terminating ");
+            }),
+            0);
+}
+
+TEST(QtApplication, EndsForTheSessionManagerWhateverItsWindowsSay) {
+  EXPECT_EQ(forked([] {
+              Fixture f;
+              ArrowWindow panel;
+              panel.winId();
+              f.loop.async([] { QCoreApplication::postEvent(qApp, new QEvent(QEvent::Quit)); });
               f.application.run();
               EXPECT_EQ(f.delegate.events, "launched terminating ");
             }),

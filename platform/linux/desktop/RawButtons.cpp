@@ -15,15 +15,6 @@ struct Press {
   bool pressed;
 };
 
-/// The answer is needed: a server that has not heard of version 2 sends no raw events.
-bool hasVersion2(xcb_connection_t* connection) {
-  auto* const reply = xcb_input_xi_query_version_reply(
-      connection, xcb_input_xi_query_version(connection, 2, 2), nullptr);
-  const bool result = reply && reply->major_version >= 2;
-  free(reply);
-  return result;
-}
-
 void selectRawButtons(xcb_connection_t* connection) {
   struct {
     xcb_input_event_mask_t head;
@@ -41,12 +32,14 @@ void selectRawButtons(xcb_connection_t* connection) {
 }  // namespace
 
 std::unique_ptr<RawButtons> RawButtons::listen(Handler handler) {
-  if (!qtX11Connection() || isWithinWayland()) return nullptr;
+  if (!tellsOfEveryPress()) return nullptr;
   auto connection = connectToX11();
   if (!connection) return nullptr;
   const auto* const extension = xcb_get_extension_data(connection.get(), &xcb_input_id);
-  if (!extension || !extension->present || !hasVersion2(connection.get())) return nullptr;
+  if (!extension || !extension->present) return nullptr;
   const auto code = extension->major_opcode;
+  // Each client has to say which version it knows, or it gets no raw events.
+  xcb_input_xi_query_version(connection.get(), 2, 2);
   selectRawButtons(connection.get());
   return std::unique_ptr<RawButtons>(
       new RawButtons(std::move(connection), code, std::move(handler)));

@@ -3,6 +3,7 @@
 #include <stdlib.h>
 #include <xcb/shape.h>
 #include <xcb/xcb.h>
+#include <xcb/xinput.h>
 
 #include <QGuiApplication>
 #include <string>
@@ -25,6 +26,17 @@ int screenNumber() {
   return screen;
 }
 
+/// The answer is needed: a server that has not heard of version 2 sends no raw events.
+bool hasInputVersion2() {
+  const auto connection = connectToX11();
+  if (!connection) return false;
+  const auto* const extension = xcb_get_extension_data(connection.get(), &xcb_input_id);
+  if (!extension || !extension->present) return false;
+  const auto version = owned(xcb_input_xi_query_version_reply(
+      connection.get(), xcb_input_xi_query_version(connection.get(), 2, 2), nullptr));
+  return version && version->major_version >= 2;
+}
+
 }  // namespace
 
 void CloseX11::operator()(xcb_connection_t* connection) const {
@@ -45,6 +57,12 @@ xcb_connection_t* qtX11Connection() {
 
 bool isWithinWayland() {
   return qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+}
+
+bool tellsOfEveryPress() {
+  if (!qtX11Connection() || isWithinWayland()) return false;
+  static const bool result = hasInputVersion2();
+  return result;
 }
 
 bool screenSelectionIsOwned(xcb_connection_t* connection, const std::string& name) {

@@ -27,6 +27,10 @@ xcb_connection_t* qtX11Connection();
 /// own windows.
 bool isWithinWayland();
 
+/// Whether the X server tells of every press of a button, whatever it goes to. One within a Wayland
+/// session does not, nor one without version 2 of the input extension.
+bool tellsOfEveryPress();
+
 /// Whether anybody owns the selection `name` followed by the number of the screen.
 bool screenSelectionIsOwned(xcb_connection_t* connection, const std::string& name);
 

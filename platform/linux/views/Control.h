@@ -13,7 +13,8 @@ namespace quillmont {
 /// How round the ring is that shows the keyboard's place: a property of the widget.
 inline constexpr const char* kFocusRadius = "focusRadius";
 
-/// `Button` is a kind of QAbstractButton. The mouse does not move the keyboard's place.
+/// `Button` is a kind of QAbstractButton. The mouse does not move the keyboard's
+/// place, but for segments.
 template <class Button>
 class PlainControl : public Button {
  public:

@@ -1,7 +1,7 @@
 #include "platform/linux/views/FocusRing.h"
 
 #include <QApplication>
-#include <QEvent>
+#include <QKeyEvent>
 #include <QPainter>
 #include <algorithm>
 
@@ -29,6 +29,31 @@ QWidget* ringPlaceOf(const QWidget* control) {
   return scroll ? scroll->childArea() : control->window();
 }
 
+/// The view in its parent, below all others, that holds the control: the ring stays within, since
+/// a window has nothing around it but its shadow.
+QRect roomFor(const QWidget& control, const QWidget& place) {
+  if (!place.isWindow()) return place.rect();
+  const auto* top = &control;
+  while (top->parentWidget() != &place) top = top->parentWidget();
+  return top == &control ? place.rect() : top->geometry();
+}
+
+/// Goes from control to control, or works one.
+bool worksOnControls(const QKeyEvent& event) {
+  switch (event.key()) {
+    case Qt::Key_Tab:
+    case Qt::Key_Backtab:
+    case Qt::Key_Space:
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+      return true;
+    default:
+      return false;
+  }
+}
+
 }  // namespace
 
 class FocusRing::Ring : public QWidget {
@@ -42,7 +67,8 @@ class FocusRing::Ring : public QWidget {
     const QRect inside(control.mapTo(parentWidget(), QPoint()), control.size());
     const auto radius = control.property(kFocusRadius);
     radius_ = radius.isValid() ? radius.toDouble() : kDefaultRadius;
-    setGeometry(inside.adjusted(-kWidth, -kWidth, kWidth, kWidth));
+    setGeometry(inside.adjusted(-kWidth, -kWidth, kWidth, kWidth) &
+                roomFor(control, *parentWidget()));
     show();
     raise();
     update();
@@ -84,7 +110,7 @@ void FocusRing::follow() {
 bool FocusRing::eventFilter(QObject* watched, QEvent* event) {
   switch (event->type()) {
     case QEvent::KeyPress:
-      use(true);
+      if (worksOnControls(*static_cast<QKeyEvent*>(event))) use(true);
       break;
     case QEvent::MouseButtonPress:
       use(false);

@@ -6,16 +6,23 @@
 namespace quillmont {
 namespace {
 
-/// The smallest rectangle of whole numbers around `rect`, but for what calculating has added to it.
+constexpr double kInexact = 1e-6;
+
+int wholeDown(double length) {
+  return static_cast<int>(std::floor(length + kInexact));
+}
+
+/// The smallest rectangle of whole numbers around `rect`.
 QRect enclosing(const QRectF& rect) {
-  constexpr double kError = 1e-6;
-  const auto down = [](double length) { return static_cast<int>(std::floor(length + kError)); };
-  const auto up = [](double length) { return static_cast<int>(std::ceil(length - kError)); };
-  const QPoint corner(down(rect.left()), down(rect.top()));
-  return {corner, QSize(up(rect.right()) - corner.x(), up(rect.bottom()) - corner.y())};
+  const QPoint corner(wholeDown(rect.left()), wholeDown(rect.top()));
+  return {corner, QSize(wholeUp(rect.right()) - corner.x(), wholeUp(rect.bottom()) - corner.y())};
 }
 
 }  // namespace
+
+int wholeUp(double length) {
+  return static_cast<int>(std::ceil(length - kInexact));
+}
 
 void NativeWidget::place(const QRectF& frame) {
   frame_ = frame;

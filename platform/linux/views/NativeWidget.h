@@ -52,6 +52,9 @@ const Content& contentOf(const NativeProperties& properties) {
   return std::get<Content>(properties.content);
 }
 
+/// Up to whole logical pixels, but for what calculating has added.
+int wholeUp(double length);
+
 /// A widget and all in it, as opaque as that.
 void setOpacity(QWidget& widget, double opacity);
 

@@ -94,6 +94,12 @@ void OverlayScroller::mouseMoveEvent(QMouseEvent* event) {
                 static_cast<int>(std::lround(share * (bar_.maximum() - bar_.minimum()))));
 }
 
+/// The release goes elsewhere.
+void OverlayScroller::hideEvent(QHideEvent*) {
+  grip_.reset();
+  active_ = false;
+}
+
 void OverlayScroller::mouseReleaseEvent(QMouseEvent*) {
   grip_.reset();
   appear();

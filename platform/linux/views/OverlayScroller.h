@@ -19,6 +19,7 @@ class OverlayScroller : public QWidget {
 
  protected:
   bool event(QEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;

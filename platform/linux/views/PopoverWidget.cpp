@@ -16,6 +16,7 @@ PopoverWidget::PopoverWidget(NativeWidget& anchor, QWidget* root, ViewId id, Vie
       actions_(actions),
       window_(new ArrowWindow(root)),
       content_(new QWidget) {
+  window_->setWindowTitle(QApplication::applicationName());
   window_->setContent(content_);
   window_->setBackground(colorNow(Color::windowBackground));
   window_->onCloseRequest = [id, &actions] { actions.dismiss(id); };
@@ -37,8 +38,7 @@ void PopoverWidget::take(const NativeProperties& properties) {
 }
 
 void PopoverWidget::place(const QRectF& frame) {
-  content_->resize(static_cast<int>(std::ceil(frame.width() - 1e-6)),
-                   static_cast<int>(std::ceil(frame.height() - 1e-6)));
+  content_->resize(wholeUp(frame.width()), wholeUp(frame.height()));
 }
 
 void PopoverWidget::present() {

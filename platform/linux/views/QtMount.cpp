@@ -21,8 +21,7 @@ void QtMount::apply(const std::vector<ViewChange>& changes, Size size) {
   for (const auto& change : changes) {
     std::visit([this](const auto& one) { tree_->apply(one); }, change);
   }
-  tree_->root()->resize(static_cast<int>(std::ceil(size.width - 1e-6)),
-                        static_cast<int>(std::ceil(size.height - 1e-6)));
+  tree_->root()->resize(wholeUp(size.width), wholeUp(size.height));
   tree_->end();
 }
 

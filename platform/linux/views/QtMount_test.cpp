@@ -166,7 +166,6 @@ TEST_F(Mount, AHelpTextIsTheToolTipAndNeverMarkup) {
   shown.setHtml(widget(1)->toolTip());
   EXPECT_EQ(shown.toPlainText(), "<b>bold</b>");
   EXPECT_TRUE(Qt::mightBeRichText(widget(1)->toolTip()));
-  EXPECT_TRUE(mount->widget()->testAttribute(Qt::WA_AlwaysShowToolTips));
 }
 
 TEST_F(Mount, AnIdentityMayComeBackBelowAnotherView) {

@@ -45,8 +45,8 @@ void ScrollWidget::place(const QRectF& frame) {
 
 void ScrollWidget::arrange() {
   const auto origin = childOrigin();
-  const int width = static_cast<int>(std::ceil(contentSize_.width + origin.x() - 1e-6));
-  const int height = static_cast<int>(std::ceil(contentSize_.height + origin.y() - 1e-6));
+  const int width = wholeUp(contentSize_.width + origin.x());
+  const int height = wholeUp(contentSize_.height + origin.y());
   content_->resize(std::max(width, size().width()), height);
 }
 

@@ -159,7 +159,9 @@ void SegmentsWidget::moveFocus(std::size_t from, int step) {
   segments_[static_cast<std::size_t>(next)]->setFocus(Qt::TabFocusReason);
 }
 
-/// The segment that has the keyboard, else the selected one, else the first.
+/// The segment that has the keyboard, else the selected one, else the first. The others stay
+/// focusable, for the arrow keys and for readers of the screen; so a click takes the keyboard
+/// along.
 void SegmentsWidget::chooseTabStop() {
   std::size_t stop = selected_.value_or(0);
   for (std::size_t i = 0; i < segments_.size(); ++i) {

@@ -14,16 +14,10 @@ bool sameKind(const NativeProperties& left, const NativeProperties& right) {
   return left.content.index() == right.content.index();
 }
 
-bool isNamedByItsLabel(const NativeProperties& properties) {
-  return std::holds_alternative<NativeButton>(properties.content) &&
-         properties.accessibilityLabel.empty();
-}
-
 }  // namespace
 
 ViewTree::ViewTree(ViewActions& actions)
     : actions_(actions), root_(new GroupWidget(nullptr)), hover_(actions_), ring_(root_) {
-  root_->setAttribute(Qt::WA_AlwaysShowToolTips);
   nodes_[kRootView].view = root_;
 }
 
@@ -123,7 +117,6 @@ void ViewTree::end() {
   }
   for (auto& [id, node] : nodes_) {
     if (node.popover) node.popover->present();
-    if (isNamedByItsLabel(node.properties)) describe(node);
   }
   ring_.follow();
   hover_.lookAgain();
@@ -150,8 +143,7 @@ void ViewTree::take(ViewId id, Node& node) {
 }
 
 void ViewTree::describe(const Node& node) {
-  const auto text = isNamedByItsLabel(node.properties) ? textOf(node) : std::string();
-  describeWidget(*node.view->widget(), node.properties, text, isInButton(node));
+  describeWidget(*node.view->widget(), node.properties, isInButton(node));
 }
 
 /// Children keep their places in a frame that begins at another part of a pixel.
@@ -190,19 +182,6 @@ bool ViewTree::isInButton(const Node& node) const {
     if (std::holds_alternative<NativeButton>(nodes_.at(id).properties.content)) return true;
   }
   return false;
-}
-
-std::string ViewTree::textOf(const Node& node) const {
-  std::string text;
-  for (const auto id : node.children) {
-    const auto& child = nodes_.at(id);
-    if (child.popover) continue;
-    const auto* const label = std::get_if<NativeLabel>(&child.properties.content);
-    const auto part = label ? label->text : textOf(child);
-    if (!text.empty() && !part.empty()) text += ' ';
-    text += part;
-  }
-  return text;
 }
 
 /// Tab goes through the views in their order. Every popover is a window with an order of its own.

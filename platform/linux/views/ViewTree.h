@@ -56,7 +56,6 @@ class ViewTree {
   void restack(ViewId id);
   void forget(ViewId id);
   bool isInButton(const Node& node) const;
-  std::string textOf(const Node& node) const;
   void orderFocus(const Node& top, std::vector<QWidget*>& stops);
 
   UserActions actions_;

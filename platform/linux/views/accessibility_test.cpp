@@ -63,16 +63,6 @@ TEST_F(ScreenReader, ANameIsTheLabelElseTheTextElseTheHelp) {
   EXPECT_EQ(name(3), "Help");
 }
 
-TEST_F(ScreenReader, AButtonIsCalledWhatItsLabelSays) {
-  insertWith(1, NativeButton{}, "", "");
-  insert(2, NativeGroup{}, {0, 0, 100, 20}, 1);
-  insert(3, kEjectSymbol, {0, 0, 14, 14}, 2);
-  insert(4, NativeLabel{"退出应用", {}, {}}, {20, 0, 60, 16}, 2);
-  EXPECT_EQ(name(1), "退出应用");
-  update(4, {NativeLabel{"Quit", {}, {}}});
-  EXPECT_EQ(name(1), "Quit");
-}
-
 TEST_F(ScreenReader, AShortenedTextIsToldWhole) {
   auto label = kLabel;
   label.text = std::string(300, 'n');

@@ -57,9 +57,13 @@ TextLine elided(const QString& text, const QFontMetricsF& metrics, std::optional
 
 }  // namespace
 
+QStringList fontFamilies() {
+  return {"Noto Sans CJK SC", "sans-serif"};
+}
+
 QFont fontFor(const Font& font) {
   QFont result;
-  result.setFamilies({"Noto Sans CJK SC", "sans-serif"});
+  result.setFamilies(fontFamilies());
   result.setPixelSize(std::max(1, static_cast<int>(std::lround(font.size))));
   result.setWeight(static_cast<QFont::Weight>(font.weight));
   result.setHintingPreference(QFont::PreferVerticalHinting);

@@ -4,12 +4,17 @@
 
 #include <QFont>
 #include <QString>
+#include <QStringList>
 #include <optional>
 #include <vector>
 
 #include "platform/view/Font.h"
 
 namespace quillmont {
+
+/// Han characters come in their Simplified forms; by the system's own choice they may be Japanese
+/// ones.
+QStringList fontFamilies();
 
 /// The system's font for labels in that size, whatever the screen's resolution is said to be.
 QFont fontFor(const Font& font);

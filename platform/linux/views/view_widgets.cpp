@@ -72,16 +72,14 @@ NativeWidget* makeViewWidget(const NativeContent& content, QWidget* parent, View
   return std::visit(Maker{parent, id, actions}, content);
 }
 
-void describeWidget(QWidget& widget, const NativeProperties& properties, const std::string& text,
-                    bool inButton) {
+void describeWidget(QWidget& widget, const NativeProperties& properties, bool inButton) {
   auto name = properties.accessibilityLabel;
   if (name.empty()) name = ownText(properties.content);
-  if (name.empty()) name = text;
   if (name.empty()) name = properties.help;
-  const auto description = properties.help == name ? std::string() : properties.help;
   // Each of these is announced, changed or not.
   setText(widget, &QWidget::accessibleName, &QWidget::setAccessibleName, name);
-  setText(widget, &QWidget::accessibleDescription, &QWidget::setAccessibleDescription, description);
+  setText(widget, &QWidget::accessibleDescription, &QWidget::setAccessibleDescription,
+          properties.help);
   const auto tip = toolTip(properties.help);
   if (widget.toolTip() != tip) widget.setToolTip(tip);
   widget.setAttribute(Qt::WA_TransparentForMouseEvents, letsMouseThrough(properties, inButton));

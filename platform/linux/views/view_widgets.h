@@ -14,9 +14,8 @@ NativeWidget* makeViewWidget(const NativeContent& content, QWidget* parent, View
                              ViewActions& actions);
 
 /// Gives `widget` what all kinds have in common: tooltip, names for readers of the screen, whether
-/// it takes the mouse. `text` is what its label says, if it is a button. `inButton`: it belongs to
-/// the label of a button, which takes the mouse in its place.
-void describeWidget(QWidget& widget, const NativeProperties& properties, const std::string& text,
-                    bool inButton);
+/// it takes the mouse. `inButton`: it belongs to the label of a button, which takes the mouse in
+/// its place.
+void describeWidget(QWidget& widget, const NativeProperties& properties, bool inButton);
 
 }  // namespace quillmont
