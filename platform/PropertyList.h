@@ -18,7 +18,8 @@ class PropertyList;
 
 using PropertyListArray = std::vector<PropertyList>;
 
-/// A dictionary in the order of its source. Where a source names a key twice, the last one counts.
+/// A dictionary in the order of its source, or of its keys where a host's reader loses that. Where
+/// a source names a key twice, the last one counts.
 using PropertyListDictionary = std::vector<std::pair<std::string, PropertyList>>;
 
 /// Bytes that are no text.

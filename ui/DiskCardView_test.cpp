@@ -56,12 +56,12 @@ class Card : public ::testing::Test {
           .frame({.width = 300});
     }
     DiskCardView card(const DiskImage& image) const {
-      auto* const wishes = &test.wishes;
+      auto* const told = &test.wishes;
       return {.img = image,
               .hoverEjectId = hoverEjectId.binding(),
               .hoverLockId = hoverLockId.binding(),
-              .onToggleExclude = [=] { wishes->push_back("exclude " + image.volumeName); },
-              .onEject = [=] { wishes->push_back("eject " + image.volumeName); }};
+              .onToggleExclude = [=] { told->push_back("exclude " + image.volumeName); },
+              .onEject = [=] { told->push_back("eject " + image.volumeName); }};
     }
     Card& test;
     State<HoverId> hoverEjectId{std::nullopt};

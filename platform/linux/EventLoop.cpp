@@ -8,11 +8,11 @@
 #include <sys/timerfd.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cmath>
 #include <system_error>
 
 #include "platform/posix/errors.h"
+#include "platform/posix/timer_interval.h"
 
 namespace quillmont {
 namespace {
@@ -24,9 +24,8 @@ Descriptor checked(int fd, const char* what) {
   return Descriptor(fd);
 }
 
-/// The shortest interval is a tenth of a millisecond, whatever nonsense was asked for.
 timespec timerInterval(double seconds) {
-  const double bounded = seconds > 1e-4 ? std::min(seconds, 1e9) : 1e-4;
+  const double bounded = boundedInterval(seconds);
   timespec result = {};
   result.tv_sec = static_cast<time_t>(bounded);
   result.tv_nsec = static_cast<long>((bounded - std::floor(bounded)) * 1e9);

@@ -9,15 +9,16 @@
 #include "platform/linux/LinuxWorkspace.h"
 #include "platform/linux/PropertyListDefaults.h"
 #include "platform/linux/StderrLog.h"
-#include "platform/linux/SystemClock.h"
-#include "platform/linux/ThreadQueue.h"
 #include "platform/linux/XmlPropertyLists.h"
+#include "platform/linux/background_thread.h"
 #include "platform/linux/desktop/LinuxDesktop.h"
 #include "platform/linux/desktop/QtApplication.h"
 #include "platform/linux/kept_tool.h"
 #include "platform/linux/user_folders.h"
 #include "platform/posix/PosixFileManager.h"
 #include "platform/posix/PosixProcessLauncher.h"
+#include "platform/posix/SystemClock.h"
+#include "platform/posix/ThreadQueue.h"
 
 namespace quillmont {
 namespace {
@@ -52,7 +53,7 @@ struct LinuxHost {
   QtApplication application{loop, log};
   LinuxDesktop desktop{application};
   SystemClock clock;
-  ThreadQueues queues;
+  ThreadQueues queues{kBackgroundThread};
   LinuxBundle bundle{LinuxBundle::executableLink()};
   std::string toolFolder = bundle.path() + "/Contents/libexec";
   std::string keptTools = keptToolsFolder();

@@ -8,27 +8,13 @@
 
 #include <system_error>
 
+#include "platform/posix/termination_signals.h"
+
 namespace quillmont {
-namespace {
-
-/// A blocked signal is queued even where it would be ignored, so the ignored ones are left out.
-sigset_t terminationSignals() {
-  sigset_t result;
-  sigemptyset(&result);
-  for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
-    struct sigaction action = {};
-    sigaction(number, nullptr, &action);
-    if (action.sa_handler != SIG_IGN) sigaddset(&result, number);
-  }
-  return result;
-}
-
-}  // namespace
 
 LinuxApplication::LinuxApplication(EventLoop& loop) : loop_(loop) {
   signal(SIGPIPE, SIG_IGN);
-  const sigset_t set = terminationSignals();
-  pthread_sigmask(SIG_BLOCK, &set, nullptr);
+  const sigset_t set = blockTerminationSignals();
   signals_ = Descriptor(signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
   if (!signals_) throw std::system_error(errno, std::generic_category(), "signalfd");
   watch_ = loop_.watch(signals_.get(), EPOLLIN, [this](std::uint32_t) { takeSignals(); });

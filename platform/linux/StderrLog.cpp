@@ -5,24 +5,9 @@
 #include <chrono>
 #include <cstdio>
 
+#include "platform/posix/log_text.h"
+
 namespace quillmont {
-namespace {
-
-void appendEscaped(std::string& line, std::string_view text) {
-  static constexpr char kDigits[] = "0123456789abcdef";
-  for (const char character : text) {
-    const auto byte = static_cast<unsigned char>(character);
-    if (character == '\n') {
-      line += "\\n";
-    } else if (byte < 0x20 || byte == 0x7f) {
-      line += {'\\', 'x', kDigits[byte >> 4], kDigits[byte & 15]};
-    } else {
-      line += character;
-    }
-  }
-}
-
-}  // namespace
 
 std::string logLine(TimePoint time, int processIdentifier, std::string_view text) {
   using std::chrono::milliseconds;
@@ -38,7 +23,7 @@ std::string logLine(TimePoint time, int processIdentifier, std::string_view text
                 static_cast<int>((sinceEpoch - second).count()), processIdentifier);
   std::string line(date, length);
   line += rest;
-  appendEscaped(line, text);
+  line += textOfOneLine(text);
   line += '\n';
   return line;
 }

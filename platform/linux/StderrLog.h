@@ -12,8 +12,7 @@
 namespace quillmont {
 
 /// "2026-11-21 09:30:00.123 Quillmont[1234] text" and a newline, in local time. Control characters
-/// of `text` are escaped, a newline as \n, others as \xNN: names of volumes and processes may hold
-/// any, and must not be able to forge a line.
+/// of `text` are escaped.
 std::string logLine(TimePoint time, int processIdentifier, std::string_view text);
 
 /// One write a line, so that the lines of several threads and processes do not mix. A line that

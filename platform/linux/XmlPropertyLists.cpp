@@ -5,10 +5,10 @@
 #include <utility>
 
 #include "platform/linux/base64.h"
-#include "platform/linux/property_list_limits.h"
 #include "platform/linux/property_list_numbers.h"
 #include "platform/linux/property_list_reader.h"
-#include "platform/linux/xml_text.h"
+#include "platform/posix/property_list_limits.h"
+#include "platform/posix/xml_text.h"
 
 namespace quillmont {
 namespace {

@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "platform/linux/property_list_reader.h"
+#include "tests/support/PropertyListContract.h"
 
 namespace quillmont {
 namespace {
@@ -16,17 +17,10 @@ using ::testing::StartsWith;
 
 const XmlPropertyLists kLists;
 
-std::string document(const std::string& content) {
-  return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-         "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
-         "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n<plist version=\"1.0\">" +
-         content + "</plist>\n";
-}
-
 /// The value of the list whose root element holds `content`; a text that starts with "refused"
 /// where there is none.
 PropertyList read(const std::string& content) {
-  auto list = kLists.parse(document(content));
+  auto list = kLists.parse(testing::plistDocument(content));
   return list ? *list : PropertyList("refused: " + list.errorText());
 }
 
@@ -54,16 +48,6 @@ std::string nestedArrays(std::size_t depth) {
   return text;
 }
 
-PropertyList nestedList(std::size_t depth) {
-  PropertyList list{PropertyListArray()};
-  for (std::size_t i = 1; i < depth; ++i) {
-    PropertyListArray outer;
-    outer.push_back(std::move(list));
-    list = PropertyList(std::move(outer));
-  }
-  return list;
-}
-
 TEST(XmlPropertyLists, ReadsEveryTypeAsItself) {
   EXPECT_EQ(read("<true/>"), PropertyList(true));
   EXPECT_EQ(read("<false></false>"), PropertyList(false));
@@ -76,25 +60,6 @@ TEST(XmlPropertyLists, ReadsEveryTypeAsItself) {
             PropertyList(PropertyListDate{"2024-02-30T99:00:00Z"}));
   EXPECT_EQ(read("<array/>"), PropertyList(PropertyListArray()));
   EXPECT_EQ(read(" <dict>\n</dict> "), PropertyList(PropertyListDictionary()));
-}
-
-TEST(XmlPropertyLists, ReadsTheDiskImageToolsNesting) {
-  const auto list = read(
-      "<dict>\n\t<key>framework</key>\n\t<string>1</string>\n\t<key>images</key>\n\t<array>\n"
-      "\t\t<dict>\n\t\t\t<key>image-path</key>\n\t\t\t<string>/a &amp; b.dmg</string>\n"
-      "\t\t\t<key>system-entities</key>\n\t\t\t<array>\n\t\t\t\t<dict>\n"
-      "\t\t\t\t\t<key>dev-entry</key>\n\t\t\t\t\t<string>/dev/disk4</string>\n"
-      "\t\t\t\t</dict>\n\t\t\t\t<dict/>\n\t\t\t</array>\n\t\t\t<key>writeable</key>\n"
-      "\t\t\t<true/>\n\t\t</dict>\n\t</array>\n\t<key>revision</key>\n\t<string>2</string>\n"
-      "</dict>\n");
-  const PropertyListDictionary entity = {{"dev-entry", "/dev/disk4"}};
-  const PropertyListDictionary image = {
-      {"image-path", "/a & b.dmg"},
-      {"system-entities", PropertyListArray{entity, PropertyListDictionary()}},
-      {"writeable", true}};
-  const PropertyListDictionary expected = {
-      {"framework", "1"}, {"images", PropertyListArray{image}}, {"revision", "2"}};
-  EXPECT_EQ(list, PropertyList(expected));
 }
 
 TEST(XmlPropertyLists, KeepsDuplicateKeysSoThatTheLastOneCounts) {
@@ -130,7 +95,7 @@ TEST(XmlPropertyLists, IntegersAreSignedWhereTheyFitAndElseUnsigned) {
 TEST(XmlPropertyLists, TextsThatAreNoIntegersOf64BitsAreRefused) {
   for (const char* text : {"", " ", "x", "1x", "1 2", "1.0", "--1", "+-1", "0x", "0xg", "- 1",
                            "18446744073709551616", "-9223372036854775809", "1e3"}) {
-    EXPECT_THAT(refusal(document("<integer>" + std::string(text) + "</integer>")),
+    EXPECT_THAT(refusal(testing::plistDocument("<integer>" + std::string(text) + "</integer>")),
                 HasSubstr("not an integer of 64 bits"))
         << text;
   }
@@ -150,7 +115,7 @@ TEST(XmlPropertyLists, RealsAreReadWhateverTheirSpelling) {
 
 TEST(XmlPropertyLists, TextsThatAreNoRealsAreRefused) {
   for (const char* text : {"", "x", "1,5", "1.5s", "0x1p3", "+-1", "1e999", "nan(1)", "1 2"}) {
-    EXPECT_THAT(refusal(document("<real>" + std::string(text) + "</real>")),
+    EXPECT_THAT(refusal(testing::plistDocument("<real>" + std::string(text) + "</real>")),
                 HasSubstr("not a real number"))
         << text;
   }
@@ -161,7 +126,7 @@ TEST(XmlPropertyLists, DataIsDecodedStrictly) {
   EXPECT_EQ(read("<data/>"), PropertyList(PropertyListData{}));
   for (const char* text :
        {"A", "AQ", "AQI", "AQID=", "AQ=D", "=AQI", "A===", "====", "AR==", "AQID!", "AQ==AQ=="}) {
-    EXPECT_THAT(refusal(document("<data>" + std::string(text) + "</data>")),
+    EXPECT_THAT(refusal(testing::plistDocument("<data>" + std::string(text) + "</data>")),
                 HasSubstr("not base64"))
         << text;
   }
@@ -169,7 +134,7 @@ TEST(XmlPropertyLists, DataIsDecodedStrictly) {
 
 TEST(XmlPropertyLists, ReadsUtf8AndUtf16WithAndWithoutByteOrderMark) {
   const std::string text = "<plist><string>x</string></plist>";
-  EXPECT_TRUE(kLists.parse("\xEF\xBB\xBF" + document("<string>x</string>")));
+  EXPECT_TRUE(kLists.parse("\xEF\xBB\xBF" + testing::plistDocument("<string>x</string>")));
   for (const bool bigEndian : {false, true}) {
     for (const bool mark : {false, true}) {
       auto list = kLists.parse(utf16(text, bigEndian, mark));
@@ -219,7 +184,7 @@ TEST(XmlPropertyLists, WrongStructureIsRefused) {
 }
 
 TEST(XmlPropertyLists, NulBytesAreRefusedWhereverTheyStand) {
-  const auto good = document("<dict><key>a</key><string>b</string></dict>");
+  const auto good = testing::plistDocument("<dict><key>a</key><string>b</string></dict>");
   for (std::size_t at = 0; at <= good.size(); ++at) {
     auto bytes = good;
     bytes.insert(at, 1, '\0');
@@ -228,8 +193,8 @@ TEST(XmlPropertyLists, NulBytesAreRefusedWhereverTheyStand) {
 }
 
 TEST(XmlPropertyLists, EveryTruncationIsRefusedAndNoneCrashes) {
-  const auto good =
-      document("<dict><key>a</key><array><real>1</real><data>AQID</data><true/></array></dict>");
+  const auto good = testing::plistDocument(
+      "<dict><key>a</key><array><real>1</real><data>AQID</data><true/></array></dict>");
   const auto end = good.rfind('>');
   for (std::size_t size = 0; size <= end; ++size) {
     EXPECT_FALSE(kLists.parse(good.substr(0, size))) << size;
@@ -255,19 +220,21 @@ TEST(XmlPropertyLists, DeclaredEntitiesAreRefusedBeforeAnythingIsExpanded) {
 }
 
 TEST(XmlPropertyLists, UndeclaredEntitiesAreRefusedWithAndWithoutADocumentType) {
-  EXPECT_THAT(refusal(document("<string>&unknown;</string>")),
+  EXPECT_THAT(refusal(testing::plistDocument("<string>&unknown;</string>")),
               HasSubstr("undeclared entity unknown"));
   EXPECT_THAT(refusal("<plist><string>&unknown;</string></plist>"), HasSubstr("undefined entity"));
 }
 
 TEST(XmlPropertyLists, NestingIsReadToItsLimitAndRefusedBeyond) {
-  EXPECT_EQ(read(nestedArrays(256)), nestedList(256));
-  EXPECT_THAT(refusal(document(nestedArrays(257))), HasSubstr("nested too deeply"));
-  EXPECT_THAT(refusal(document(nestedArrays(1'000'000))), HasSubstr("nested too deeply"));
+  EXPECT_EQ(read(nestedArrays(256)), testing::nestedLists(256));
+  EXPECT_THAT(refusal(testing::plistDocument(nestedArrays(257))), HasSubstr("nested too deeply"));
+  EXPECT_THAT(refusal(testing::plistDocument(nestedArrays(1'000'000))),
+              HasSubstr("nested too deeply"));
 }
 
 TEST(XmlPropertyLists, TooManyValuesAreRefused) {
-  const auto bytes = document("<dict><key>a</key><array><true/><real>1</real></array></dict>");
+  const auto bytes =
+      testing::plistDocument("<dict><key>a</key><array><true/><real>1</real></array></dict>");
   EXPECT_TRUE(readXmlPropertyList(bytes, 4));
   EXPECT_THAT(readXmlPropertyList(bytes, 3).errorText(), HasSubstr("too many values"));
 }
@@ -343,7 +310,7 @@ TEST(XmlPropertyLists, WhatIsWrittenReadsBackTheSame) {
   for (std::size_t size = 0; size < 9; ++size) {
     values.emplace_back(PropertyListData{std::string("\xFF\0\x80zz\r\n\xFE", 8).substr(0, size)});
   }
-  values.push_back(nestedList(255));
+  values.push_back(testing::nestedLists(255));
   const PropertyList list(std::move(values));
   const auto xml = kLists.xml(list);
   ASSERT_TRUE(xml) << xml.errorText();
@@ -375,12 +342,17 @@ TEST(XmlPropertyLists, TextThatXmlCannotCarryIsRefused) {
 }
 
 TEST(XmlPropertyLists, WhatCouldNotBeReadAgainIsNotWritten) {
-  EXPECT_TRUE(kLists.xml(nestedList(256)));
-  EXPECT_EQ(kLists.xml(nestedList(257)).errorText(), "nested too deeply");
+  EXPECT_TRUE(kLists.xml(testing::nestedLists(256)));
+  EXPECT_EQ(kLists.xml(testing::nestedLists(257)).errorText(), "nested too deeply");
   // Each takes five bytes in the file.
   const std::string returns((64u << 20) / 5 + 1, '\r');
   EXPECT_EQ(kLists.xml(PropertyList(returns)).errorText(), "too many bytes");
 }
 
 }  // namespace
+
+namespace testing {
+INSTANTIATE_TYPED_TEST_SUITE_P(Xml, PropertyListContract, XmlPropertyLists);
+}  // namespace testing
+
 }  // namespace quillmont

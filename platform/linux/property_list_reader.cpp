@@ -14,8 +14,8 @@
 #include <vector>
 
 #include "platform/linux/base64.h"
-#include "platform/linux/property_list_limits.h"
 #include "platform/linux/property_list_numbers.h"
+#include "platform/posix/property_list_limits.h"
 
 namespace quillmont {
 namespace {

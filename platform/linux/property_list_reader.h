@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "platform/PropertyList.h"
-#include "platform/linux/property_list_limits.h"
+#include "platform/posix/property_list_limits.h"
 
 namespace quillmont {
 

@@ -4,7 +4,7 @@
 #include <array>
 #include <cstddef>
 
-#include "platform/linux/xml_text.h"
+#include "platform/posix/xml_text.h"
 
 namespace quillmont {
 namespace {

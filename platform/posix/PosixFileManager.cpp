@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
+#include <optional>
 #include <utility>
 
 #include "platform/posix/Descriptor.h"
@@ -26,6 +27,16 @@ timespec modificationTime(const Status& status) {
   }
 }
 
+/// POSIX has none; macOS and the BSDs do.
+template <class Status>
+std::optional<timespec> creationTime(const Status& status) {
+  if constexpr (requires { status.st_birthtimespec; }) {
+    return status.st_birthtimespec;
+  } else {
+    return std::nullopt;
+  }
+}
+
 TimePoint timePoint(const timespec& time) {
   const auto sinceEpoch =
       std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
@@ -40,7 +51,9 @@ PosixFileManager::PosixFileManager(std::vector<std::string> libraryFolders)
 Result<FileAttributes> PosixFileManager::attributes(const std::string& path) const {
   struct stat status;
   if (stat(path.c_str(), &status) != 0) return Error{errorText(errno)};
-  return FileAttributes{timePoint(modificationTime(status)), std::nullopt};
+  FileAttributes result{timePoint(modificationTime(status)), std::nullopt};
+  if (const auto created = creationTime(status)) result.creationDate = timePoint(*created);
+  return result;
 }
 
 bool PosixFileManager::exists(const std::string& path) const {

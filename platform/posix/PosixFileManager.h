@@ -8,8 +8,8 @@
 
 namespace quillmont {
 
-/// Stateless but for the library folders it was given; any thread. Creation dates are left empty:
-/// POSIX has none.
+/// Stateless but for the library folders it was given; any thread. Creation dates are left empty
+/// where the system tells none.
 class PosixFileManager : public FileManager {
  public:
   explicit PosixFileManager(std::vector<std::string> libraryFolders);

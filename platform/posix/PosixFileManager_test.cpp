@@ -33,7 +33,7 @@ TEST_F(PosixFileManagerTest, LibraryFoldersAreThoseItWasGivenInTheirOrder) {
   EXPECT_TRUE(PosixFileManager({}).userLibraryFolders().empty());
 }
 
-TEST_F(PosixFileManagerTest, TellsTheModificationDateToTheFractionAndNoCreationDate) {
+TEST_F(PosixFileManagerTest, TellsTheModificationDateToTheFraction) {
   ASSERT_TRUE(files_.writeFile(path("a"), "x"));
   const timespec times[2] = {{1, 0}, {1'700'000'000, 250'000'000}};
   ASSERT_EQ(utimensat(AT_FDCWD, path("a").c_str(), times, 0), 0);
@@ -41,7 +41,20 @@ TEST_F(PosixFileManagerTest, TellsTheModificationDateToTheFractionAndNoCreationD
   ASSERT_TRUE(attributes);
   const TimePoint expected(std::chrono::milliseconds(1'700'000'000'250));
   EXPECT_EQ(attributes->modificationDate, expected);
-  EXPECT_EQ(attributes->creationDate, std::nullopt);
+}
+
+template <class Status>
+constexpr bool kTellsCreation = requires(const Status& status) {
+  status.st_birthtimespec;
+};
+
+TEST_F(PosixFileManagerTest, TellsACreationDateWhereTheSystemDoes) {
+  const auto before = std::chrono::system_clock::now() - std::chrono::seconds(60);
+  ASSERT_TRUE(files_.writeFile(path("a"), "x"));
+  const auto attributes = files_.attributes(path("a"));
+  ASSERT_TRUE(attributes);
+  EXPECT_EQ(attributes->creationDate.has_value(), kTellsCreation<struct stat>);
+  EXPECT_GT(attributes->creationDate.value_or(std::chrono::system_clock::now()), before);
 }
 
 TEST_F(PosixFileManagerTest, DatesBeforeTheEpochAreRead) {

@@ -14,11 +14,12 @@
 #include "platform/linux/EventLoop.h"
 #include "platform/linux/LinuxWorkspace.h"
 #include "platform/linux/PropertyListDefaults.h"
-#include "platform/linux/SystemClock.h"
-#include "platform/linux/ThreadQueue.h"
 #include "platform/linux/XmlPropertyLists.h"
+#include "platform/linux/background_thread.h"
 #include "platform/posix/PosixFileManager.h"
 #include "platform/posix/PosixProcessLauncher.h"
+#include "platform/posix/SystemClock.h"
+#include "platform/posix/ThreadQueue.h"
 #include "tests/support/DiskImages.h"
 #include "tests/support/Session.h"
 #include "tests/support/SharedLog.h"
@@ -88,7 +89,7 @@ class MonitorOnRealImages : public ::testing::Test {
     SharedLog log;
     EventLoop loop;
     SystemClock clock;
-    ThreadQueues queues;
+    ThreadQueues queues{kBackgroundThread};
     FakeBundle bundle;
     PosixProcessLauncher processes{"/usr/sbin:/usr/bin:/sbin:/bin"};
     PosixFileManager files;

@@ -16,8 +16,9 @@
 
 namespace quillmont::testing {
 
-inline std::chrono::nanoseconds seconds(double count) {
-  return std::chrono::nanoseconds(std::llround(count * 1e9));
+inline std::chrono::system_clock::duration seconds(double count) {
+  return std::chrono::duration_cast<std::chrono::system_clock::duration>(
+      std::chrono::nanoseconds(std::llround(count * 1e9)));
 }
 
 /// Stands still until it is moved. Sleeping moves it, and is recorded.

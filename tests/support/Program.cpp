@@ -36,7 +36,8 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
   dup2(output, STDOUT_FILENO);
   dup2(error, STDERR_FILENO);
   if (user != 0 && (setgid(user) != 0 || setuid(user) != 0)) _exit(126);
-  execvpe(arguments[0], arguments.data(), environment.data());
+  environ = environment.data();
+  execvp(arguments[0], arguments.data());
   _exit(127);
 }
 
@@ -60,9 +61,10 @@ struct Pipe {
   Descriptor read, write;
   Pipe() {
     int ends[2];
-    if (pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("pipe2 failed");
+    if (pipe(ends) != 0) throw std::runtime_error("pipe failed");
     read = Descriptor(ends[0]);
     write = Descriptor(ends[1]);
+    for (const int end : ends) fcntl(end, F_SETFD, FD_CLOEXEC);
   }
 };
 

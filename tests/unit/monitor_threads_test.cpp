@@ -8,8 +8,9 @@
 #include <utility>
 
 #include "platform/linux/EventLoop.h"
-#include "platform/linux/SystemClock.h"
-#include "platform/linux/ThreadQueue.h"
+#include "platform/linux/background_thread.h"
+#include "platform/posix/SystemClock.h"
+#include "platform/posix/ThreadQueue.h"
 #include "tests/support/SharedLog.h"
 #include "tests/support/TestHost.h"
 
@@ -35,7 +36,7 @@ class CountingQueues : public SerialQueues {
   class CountingQueue : public SerialQueue {
    public:
     CountingQueue(const std::string& label, std::atomic<int>& unfinished)
-        : unfinished_(unfinished), queue_(label) {}
+        : unfinished_(unfinished), queue_(label, kBackgroundThread) {}
     void async(Task task) override {
       ++unfinished_;
       queue_.async([this, task = std::move(task)] {

@@ -1,17 +1,20 @@
-#include "platform/linux/ThreadQueue.h"
+#include "platform/posix/ThreadQueue.h"
 
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <sys/prctl.h>
-#include <sys/resource.h>
 
 #include <algorithm>
 #include <atomic>
 #include <future>
+#include <string>
+#include <thread>
 #include <vector>
 
 namespace quillmont {
 namespace {
+
+constexpr BackgroundThread kPlain = {[](const std::string&) {},
+                                     [](Task&& task) { Task(std::move(task))(); }};
 
 void finish(SerialQueue& queue) {
   std::promise<void> done;
@@ -20,7 +23,7 @@ void finish(SerialQueue& queue) {
 }
 
 TEST(ThreadQueue, RunsTasksInTheOrderOfTheCalls) {
-  ThreadQueue queue("test");
+  ThreadQueue queue("test", kPlain);
   std::vector<int> order;
   for (int task = 0; task < 100; ++task) queue.async([&order, task] { order.push_back(task); });
   finish(queue);
@@ -29,7 +32,7 @@ TEST(ThreadQueue, RunsTasksInTheOrderOfTheCalls) {
 }
 
 TEST(ThreadQueue, TasksOfManyProducersNeverOverlap) {
-  ThreadQueue queue("test");
+  ThreadQueue queue("test", kPlain);
   constexpr int kThreads = 4, kTasks = 500;
   int count = 0;  // unguarded on purpose: the queue is what guards it
   std::atomic<int> running = 0;
@@ -53,7 +56,7 @@ TEST(ThreadQueue, TasksOfManyProducersNeverOverlap) {
 }
 
 TEST(ThreadQueue, ATaskMayPostTheNextOne) {
-  ThreadQueue queue("test");
+  ThreadQueue queue("test", kPlain);
   std::promise<int> last;
   queue.async([&] { queue.async([&] { last.set_value(2); }); });
   EXPECT_EQ(last.get_future().get(), 2);
@@ -67,7 +70,7 @@ TEST(ThreadQueue, DestructionLetsTheRunningTaskEndAndDropsTheRest) {
   };
   std::promise<void> begun, dropped;
   std::atomic<bool> ended = false, another = false;
-  auto* queue = new ThreadQueue("test");
+  auto* queue = new ThreadQueue("test", kPlain);
   queue->async([&] {
     begun.set_value();
     dropped.get_future().wait();
@@ -82,7 +85,7 @@ TEST(ThreadQueue, DestructionLetsTheRunningTaskEndAndDropsTheRest) {
 }
 
 TEST(ThreadQueue, IsDestroyedOnItsOwnThread) {
-  auto queue = std::make_unique<ThreadQueue>("test");
+  auto queue = std::make_unique<ThreadQueue>("test", kPlain);
   auto& reference = *queue;
   std::promise<void> posted, destroyed;
   std::atomic<bool> another = false;
@@ -100,31 +103,38 @@ TEST(ThreadQueue, IsDestroyedOnItsOwnThread) {
   EXPECT_FALSE(another);
 }
 
-TEST(ThreadQueue, ItsThreadStaysInTheBackground) {
-  const int before = getpriority(PRIO_PROCESS, 0);
-  ThreadQueue queue("com.norwaldex.quillmont.daemon-with-a-long-name");
-  char name[16] = "";
-  int nice = 0;
+TEST(ThreadQueue, ItsThreadBeginsAndRunsTasksAsTheHostSays) {
+  static std::string story;
+  story.clear();
+  const BackgroundThread told = {[](const std::string& label) { story = "begin " + label; },
+                                 [](Task&& task) {
+                                   story += ", (";
+                                   Task(std::move(task))();
+                                   story += ")";
+                                 }};
+  ThreadQueues queues(told);
+  auto queue = queues.makeBackgroundQueue("com.example.test");
+  queue->async([] { story += "one"; });
+  finish(*queue);
+  queue.reset();
+  EXPECT_EQ(story, "begin com.example.test, (one), ()");
+}
+
+TEST(ThreadQueue, ItsThreadTakesNoSignal) {
+  ThreadQueue queue("test", kPlain);
   sigset_t blocked;
   sigemptyset(&blocked);
-  queue.async([&] {
-    prctl(PR_GET_NAME, name);
-    nice = getpriority(PRIO_PROCESS, 0);
-    pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
-  });
+  queue.async([&] { pthread_sigmask(SIG_SETMASK, nullptr, &blocked); });
   finish(queue);
-  EXPECT_STREQ(name, "daemon-with-a-l");
-  EXPECT_EQ(nice, std::max(before, 10));
   for (const int number : {SIGTERM, SIGINT, SIGHUP, SIGCHLD, SIGUSR1}) {
     EXPECT_EQ(sigismember(&blocked, number), 1) << number;
   }
-  EXPECT_EQ(getpriority(PRIO_PROCESS, 0), before);
   pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
   EXPECT_EQ(sigismember(&blocked, SIGTERM), 0);
 }
 
 TEST(ThreadQueues, MakesQueuesThatWorkBesideEachOther) {
-  ThreadQueues queues;
+  ThreadQueues queues(kPlain);
   const auto one = queues.makeBackgroundQueue("one");
   const auto two = queues.makeBackgroundQueue("two");
   std::promise<void> reply;

@@ -1,9 +1,6 @@
-#include "platform/linux/ThreadQueue.h"
+#include "platform/posix/ThreadQueue.h"
 
-#include <errno.h>
 #include <signal.h>
-#include <sys/prctl.h>
-#include <sys/resource.h>
 
 #include <condition_variable>
 #include <deque>
@@ -13,9 +10,6 @@
 
 namespace quillmont {
 namespace {
-
-constexpr int kBackgroundNice = 10;
-constexpr std::size_t kThreadNameLength = 15;
 
 /// Blocks every signal of the calling thread while it lives; a thread started meanwhile inherits
 /// the mask, so that no signal can reach it between its start and a call of its own.
@@ -33,15 +27,6 @@ class SignalsBlocked {
  private:
   sigset_t before_;
 };
-
-/// On Linux a thread has a nice value of its own.
-void becomeBackgroundThread(const std::string& label) {
-  const auto name = label.substr(label.rfind('.') + 1).substr(0, kThreadNameLength);
-  prctl(PR_SET_NAME, name.c_str());
-  errno = 0;
-  const int nice = getpriority(PRIO_PROCESS, 0);
-  if (errno == 0 && nice < kBackgroundNice) setpriority(PRIO_PROCESS, 0, kBackgroundNice);
-}
 
 }  // namespace
 
@@ -61,9 +46,13 @@ struct ThreadQueue::State {
   }
 };
 
-ThreadQueue::ThreadQueue(const std::string& label) : state_(std::make_shared<State>()) {
+ThreadQueue::ThreadQueue(const std::string& label, const BackgroundThread& thread)
+    : state_(std::make_shared<State>()) {
   const SignalsBlocked blocked;
-  thread_ = std::thread([state = state_, label] { work(state, label); });
+  thread_ = std::thread([state = state_, label, thread] {
+    thread.begin(label);
+    work(state, thread);
+  });
 }
 
 ThreadQueue::~ThreadQueue() {
@@ -91,13 +80,12 @@ void ThreadQueue::async(Task task) {
   state_->changed.notify_one();
 }
 
-void ThreadQueue::work(const std::shared_ptr<State>& state, const std::string& label) {
-  becomeBackgroundThread(label);
-  while (auto task = state->take()) (*task)();
+void ThreadQueue::work(const std::shared_ptr<State>& state, const BackgroundThread& thread) {
+  while (auto task = state->take()) thread.run(std::move(*task));
 }
 
 std::unique_ptr<SerialQueue> ThreadQueues::makeBackgroundQueue(const std::string& label) {
-  return std::make_unique<ThreadQueue>(label);
+  return std::make_unique<ThreadQueue>(label, thread_);
 }
 
 }  // namespace quillmont

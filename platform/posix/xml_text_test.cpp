@@ -1,4 +1,4 @@
-#include "platform/linux/xml_text.h"
+#include "platform/posix/xml_text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,43 @@
+// Where the widgets of the whole panel are, in the fonts for which it was written down.
+#include <gtest/gtest.h>
+
+#include <QFontInfo>
+#include <cstdlib>
+#include <fstream>
+
+#include "platform/linux/views/NativeWidget.h"
+#include "platform/linux/views/QtMetrics.h"
+#include "platform/linux/views/QtMount.h"
+#include "platform/linux/views/text_lines.h"
+#include "platform/posix/files.h"
+#include "tests/support/PosedPanel.h"
+
+namespace quillmont {
+namespace {
+
+constexpr char kWrittenDown[] = QUILLMONT_SOURCE "/tests/support/panel_frames.txt";
+
+TEST(PanelFrames, AreThoseThatWereWrittenDown) {
+  if (!QFontInfo(fontFor(Font::body)).family().startsWith("Noto Sans CJK")) {
+    GTEST_SKIP() << "Noto Sans CJK is not installed";
+  }
+  testing::PosedPanel panel;
+  QtMount mount(panel.actions());
+  const QtMetrics metrics;
+  panel.show(mount, metrics);
+  const auto frames = panel.frames([&](ViewId view) -> Rect {
+    auto* const widget = mount.widgetOf(view);
+    const auto bounds = dynamic_cast<NativeWidget&>(*widget).bounds();
+    const auto origin = widget->mapTo(mount.widget(), QPointF());
+    return {origin.x() + bounds.x(), origin.y() + bounds.y(), bounds.width(), bounds.height()};
+  });
+  panel.hide();
+  // A panel that was changed on purpose is written down anew on request.
+  if (std::getenv("QUILLMONT_WRITE_FRAMES")) std::ofstream(kWrittenDown) << frames;
+  const auto expected = readFile(kWrittenDown);
+  ASSERT_TRUE(expected);
+  EXPECT_EQ(frames, *expected);
+}
+
+}  // namespace
+}  // namespace quillmont

@@ -1,0 +1,12 @@
+// Entry of tests of AppKit's views.
+
+#import <AppKit/AppKit.h>
+#include <gtest/gtest.h>
+
+int main(int argc, char** argv) {
+  @autoreleasepool {
+    ::testing::InitGoogleTest(&argc, argv);
+    [[NSApplication sharedApplication] finishLaunching];
+    return RUN_ALL_TESTS();
+  }
+}
