@@ -1,0 +1,161 @@
+// A mount on its own, for tests: views made by hand, and what the user did to them.
+#pragma once
+
+#import <AppKit/AppKit.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/macos/Retained.h"
+#include "platform/macos/views/AppKitMount.h"
+#include "platform/macos/views/mounted_views.h"
+#include "tests/support/RecordedActions.h"
+
+namespace quillmont::testing {
+
+/// On a window of its own, away from where the pointer is at first.
+class MountTest : public ::testing::Test {
+ protected:
+  MountTest() {
+    [window setReleasedWhenClosed:NO];
+    [[window contentView] addSubview:panelView(*mount)];
+    [NSApp activateIgnoringOtherApps:YES];
+    [window makeKeyAndOrderFront:nil];
+    turnUntil([this] { return [window isKeyWindow]; });
+  }
+
+  ~MountTest() override {
+    mount.reset();
+    [window close];
+    turn();
+  }
+
+  /// As the last child of `parent`.
+  InsertView insertion(ViewId id, NativeContent content, Rect frame, ViewId parent = kRootView) {
+    return {id, parent, 1000, {std::move(content)}, frame};
+  }
+
+  void insert(ViewId id, NativeContent content, Rect frame, ViewId parent = kRootView) {
+    apply({insertion(id, std::move(content), frame, parent)});
+  }
+
+  void update(ViewId id, NativeProperties properties) { apply({UpdateView{id, properties}}); }
+  void remove(ViewId id) { apply({RemoveView{id}}); }
+
+  void apply(const std::vector<ViewChange>& changes) {
+    @autoreleasepool {
+      mount->apply(changes, {320, 400});
+    }
+  }
+
+  NSView* view(ViewId id) { return mountedView(*mount, id); }
+  template <class View>
+  View* as(ViewId name) {
+    NSView* const found = view(name);
+    return [found isKindOfClass:[View class]] ? static_cast<View*>(found) : nil;
+  }
+
+  /// What colour a point of the view has; a pixel is a point here.
+  NSColor* pixel(NSView* seen, NSInteger x, NSInteger y) {
+    [window display];
+    [seen lockFocus];
+    const auto picture = adopt([[NSBitmapImageRep alloc] initWithFocusedViewRect:[seen bounds]]);
+    [seen unlockFocus];
+    return [[picture colorAtX:x y:y] colorUsingColorSpace:[NSColorSpace sRGBColorSpace]];
+  }
+
+  /// What is seen of a view, in the panel's coordinates.
+  NSRect looks(ViewId id) {
+    NSView* const seen = view(id);
+    return [seen convertRect:[seen alignmentRectForFrame:[seen bounds]] toView:panelView(*mount)];
+  }
+
+  /// The run loop turns until there is nothing that it has to do now.
+  static void turn() {
+    @autoreleasepool {
+      for (int i = 0; i < 3; ++i) {
+        NSEvent* event = nil;
+        while ((event = [NSApp nextEventMatchingMask:NSEventMaskAny
+                                           untilDate:[NSDate date]
+                                              inMode:NSDefaultRunLoopMode
+                                             dequeue:YES]) != nil) {
+          [NSApp sendEvent:event];
+        }
+        [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode beforeDate:[NSDate date]];
+      }
+    }
+  }
+
+  /// Until `condition` holds, but not for ever.
+  template <class Condition>
+  static bool turnUntil(Condition condition) {
+    NSDate* const end = [NSDate dateWithTimeIntervalSinceNow:5];
+    while (!condition()) {
+      if ([end timeIntervalSinceNow] < 0) return false;
+      turn();
+    }
+    return true;
+  }
+
+  /// What happens at a point of the panel goes to what the panel has there.
+  void press(NSPoint point) { send(NSEventTypeLeftMouseDown, point); }
+  void drag(NSPoint point) { send(NSEventTypeLeftMouseDragged, point); }
+  void release(NSPoint point) { send(NSEventTypeLeftMouseUp, point); }
+  /// A release that waits in the queue is found by controls that follow the mouse by themselves.
+  void click(NSPoint point) {
+    [NSApp postEvent:mouseEvent(NSEventTypeLeftMouseUp, point, window) atStart:NO];
+    press(point);
+    turn();
+  }
+
+  void type(NSString* characters, unsigned short code = 0) {
+    [window sendEvent:[NSEvent keyEventWithType:NSEventTypeKeyDown
+                                             location:NSZeroPoint
+                                        modifierFlags:0
+                                            timestamp:0
+                                         windowNumber:[window windowNumber]
+                                              context:nil
+                                           characters:characters
+                          charactersIgnoringModifiers:characters
+                                            isARepeat:NO
+                                              keyCode:code]];
+  }
+
+  NSEvent* mouseEvent(NSEventType type, NSPoint point, NSWindow* target) {
+    NSView* const panel = panelView(*mount);
+    return [NSEvent
+        mouseEventWithType:type
+                  location:[panel convertPoint:point toView:nil]
+             modifierFlags:0
+                 timestamp:static_cast<NSTimeInterval>([[NSProcessInfo processInfo] systemUptime])
+              windowNumber:[target windowNumber]
+                   context:nil
+               eventNumber:0
+                clickCount:1
+                  pressure:1];
+  }
+
+  void send(NSEventType type, NSPoint point) {
+    @autoreleasepool {
+      [window sendEvent:mouseEvent(type, point, window)];
+    }
+  }
+
+  RecordedActions actions;
+  std::unique_ptr<AppKitMount> mount = std::make_unique<AppKitMount>(actions);
+  const Retained<NSWindow*> window =
+      adopt([[NSWindow alloc] initWithContentRect:NSMakeRect(20, 20, 320, 400)
+                                        styleMask:NSWindowStyleMaskTitled
+                                          backing:NSBackingStoreBuffered
+                                            defer:NO]);
+};
+
+inline const NativeLabel kLabel{.text = "Installer", .font = {}, .color = {}};
+inline const NativeSymbol kEjectSymbol{"eject.fill", Font::system(11), Color::red};
+inline const NativeShape kSquare{.fill = Color::red};
+
+}  // namespace quillmont::testing

@@ -1,0 +1,106 @@
+#include "platform/macos/views/mounted_view_kinds.h"
+
+#include <utility>
+
+#include "platform/macos/strings.h"
+#include "platform/macos/views/ButtonView.h"
+#include "platform/macos/views/CheckboxView.h"
+#include "platform/macos/views/GroupView.h"
+#include "platform/macos/views/LabelView.h"
+#include "platform/macos/views/PopoverView.h"
+#include "platform/macos/views/ScrollView.h"
+#include "platform/macos/views/SegmentsView.h"
+#include "platform/macos/views/ShapeView.h"
+#include "platform/macos/views/SwitchView.h"
+#include "platform/macos/views/SymbolView.h"
+
+namespace quillmont {
+namespace {
+
+using Made = std::unique_ptr<MountedView>;
+
+struct Maker {
+  const MountedView& anchor;
+  ViewId id;
+  ViewActions& actions;
+  const std::function<void()>& onScroll;
+
+  Made operator()(const NativeGroup&) const { return std::make_unique<GroupView>(); }
+  Made operator()(const NativeLabel&) const { return std::make_unique<LabelView>(); }
+  Made operator()(const NativeSymbol&) const { return std::make_unique<SymbolView>(); }
+  Made operator()(const NativeShape&) const { return std::make_unique<ShapeView>(); }
+  Made operator()(const NativeScroll&) const { return std::make_unique<ScrollView>(onScroll); }
+  Made operator()(const NativeSwitch&) const { return std::make_unique<SwitchView>(id, actions); }
+  Made operator()(const NativeButton&) const { return std::make_unique<ButtonView>(id, actions); }
+  Made operator()(const NativeCheckbox&) const {
+    return std::make_unique<CheckboxView>(id, actions);
+  }
+  Made operator()(const NativeSegments&) const {
+    return std::make_unique<SegmentsView>(id, actions);
+  }
+  Made operator()(const NativePopover&) const {
+    return std::make_unique<PopoverView>(anchor, id, actions);
+  }
+};
+
+template <class Content>
+bool is(const NativeProperties& properties) {
+  return std::holds_alternative<Content>(properties.content);
+}
+
+bool isFigure(const NativeProperties& properties) {
+  return is<NativeLabel>(properties) || is<NativeSymbol>(properties) || is<NativeShape>(properties);
+}
+
+bool isControl(const NativeProperties& properties) {
+  return is<NativeSwitch>(properties) || is<NativeCheckbox>(properties) ||
+         is<NativeSegments>(properties) || is<NativeButton>(properties);
+}
+
+/// Figures may lie in front of controls, as a card's outline does.
+bool letsMouseThrough(const NativeProperties& properties, bool inButton) {
+  if (properties.tracksHover || !properties.help.empty()) return false;
+  return isFigure(properties) || (inButton && is<NativeGroup>(properties));
+}
+
+std::string ownText(const NativeProperties& properties) {
+  if (const auto* const label = std::get_if<NativeLabel>(&properties.content)) return label->text;
+  if (const auto* const checkbox = std::get_if<NativeCheckbox>(&properties.content)) {
+    return checkbox->title;
+  }
+  return {};
+}
+
+void setToolTip(NSView* view, const std::string& help) {
+  NSString* const next = help.empty() ? nil : foundationString(help);
+  NSString* const now = [view toolTip];
+  // Set anew, one that is shown would go.
+  if (now != next && ![now isEqualToString:next]) [view setToolTip:next];
+}
+
+/// A text is read by itself, a name is needed where it is to be called something else.
+void name(NSView* view, const NativeProperties& properties, bool inButton) {
+  auto label = properties.accessibilityLabel;
+  if (label.empty() && ownText(properties).empty()) label = properties.help;
+  [view setAccessibilityLabel:label.empty() ? nil : foundationString(label)];
+  const bool isToldTwice = properties.help == label || properties.help.empty();
+  [view setAccessibilityHelp:isToldTwice ? nil : foundationString(properties.help)];
+  const bool isSomething = isControl(properties) || is<NativeLabel>(properties) || !label.empty();
+  [view setAccessibilityElement:isSomething && !inButton];
+}
+
+}  // namespace
+
+std::unique_ptr<MountedView> makeMountedView(const NativeContent& content,
+                                             const MountedView& anchor, ViewId id,
+                                             ViewActions& actions, std::function<void()> onScroll) {
+  return std::visit(Maker{anchor, id, actions, onScroll}, content);
+}
+
+void describeView(MountedView& view, const NativeProperties& properties, bool inButton) {
+  setToolTip(view.view(), properties.help);
+  view.setTakesMouse(!letsMouseThrough(properties, inButton));
+  if (isControl(properties) || isFigure(properties)) name(view.view(), properties, inButton);
+}
+
+}  // namespace quillmont
