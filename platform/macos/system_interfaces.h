@@ -10,8 +10,7 @@ inline constexpr SystemInterface kSystemInterfaces[] = {
     {"NSAlert",
      "-addButtonWithTitle: -runModal -setAlertStyle: -setInformativeText: -setMessageText: "
      "-window"},
-    {"NSAppearance",
-     "-performAsCurrentDrawingAppearance:"},
+    {"NSAppearance", "-performAsCurrentDrawingAppearance:"},
     {"NSApplication",
      "+sharedApplication -activateIgnoringOtherApps: -activationPolicy -currentEvent "
      "-modalWindow -run -setActivationPolicy: -setDelegate: -terminate:"},
@@ -25,63 +24,49 @@ inline constexpr SystemInterface kSystemInterfaces[] = {
      "+bezierPathWithRoundedRect:xRadius:yRadius: -bounds -closePath "
      "-curveToPoint:controlPoint1:controlPoint2: -fill -lineToPoint: -moveToPoint: "
      "-setLineWidth: -stroke"},
-    {"NSBundle",
-     "+mainBundle -bundleIdentifier -bundlePath -executablePath"},
+    {"NSBundle", "+mainBundle -bundleIdentifier -bundlePath -executablePath"},
     {"NSButton",
      "-setAttributedTitle: -setBordered: -setButtonType: -setContentTintColor: -setImage: "
      "-setKeyEquivalent: -setNextState -setState: -setTitle: -state"},
-    {"NSCell",
-     "-setLineBreakMode: -setTruncatesLastVisibleLine: -setWraps:"},
-    {"NSCharacterSet",
-     "+whitespaceCharacterSet"},
-    {"NSClipView",
-     "-scrollToPoint: -setDocumentView: -setDrawsBackground:"},
+    {"NSCell", "-setLineBreakMode: -setTruncatesLastVisibleLine: -setWraps:"},
+    {"NSCharacterSet", "+whitespaceCharacterSet"},
+    {"NSClipView", "-scrollToPoint: -setDocumentView: -setDrawsBackground:"},
     {"NSColor",
      "+blackColor +clearColor +colorWithName:dynamicProvider: +colorWithWhite:alpha: "
      "+controlBackgroundColor +labelColor +secondaryLabelColor +separatorColor "
      "+systemCyanColor +systemGreenColor +systemOrangeColor +systemRedColor +whiteColor "
      "+windowBackgroundColor -alphaComponent -colorUsingColorSpace: -colorWithAlphaComponent: "
      "-set -setFill -setStroke"},
-    {"NSColorSpace",
-     "+sRGBColorSpace"},
+    {"NSColorSpace", "+sRGBColorSpace"},
     {"NSControl",
      "-action -cell -isEnabled -performClick: -sendAction:to: -sendActionOn: -setAction: "
      "-setAlignment: -setAttributedStringValue: -setLineBreakMode: -setTarget: -target"},
-    {"NSData",
-     "+dataWithBytes:length: -bytes -length"},
+    {"NSData", "+dataWithBytes:length: -bytes -length"},
     {"NSDate",
      "+dateWithTimeIntervalSince1970: +distantPast -compare: -timeIntervalSince1970 "
      "-timeIntervalSinceReferenceDate"},
     {"NSDictionary",
      "+dictionaryWithObjects:forKeys:count: -count -countByEnumeratingWithState:objects:count: "
      "-objectForKey:"},
-    {"NSError",
-     "-localizedDescription"},
+    {"NSError", "-localizedDescription"},
     {"NSEvent",
      "+addGlobalMonitorForEventsMatchingMask:handler: +removeMonitor: -characters -isARepeat "
      "-locationInWindow -timestamp -type -window"},
-    {"NSFileManager",
-     "+defaultManager -URLsForDirectory:inDomains:"},
-    {"NSFont",
-     "+systemFontOfSize:weight:"},
+    {"NSFileManager", "+defaultManager -URLsForDirectory:inDomains:"},
+    {"NSFont", "+systemFontOfSize:weight:"},
     {"NSGraphicsContext",
      "+restoreGraphicsState +saveGraphicsState -restoreGraphicsState -saveGraphicsState"},
     {"NSImage",
      "+imageWithSize:flipped:drawingHandler: "
      "+imageWithSystemSymbolName:accessibilityDescription: -imageWithSymbolConfiguration: "
      "-setTemplate: -size"},
-    {"NSImageSymbolConfiguration",
-     "+configurationWithPointSize:weight:"},
-    {"NSImageView",
-     "-setContentTintColor: -setImage: -setImageAlignment: -setImageScaling:"},
-    {"NSMutableArray",
-     "+arrayWithCapacity: -addObject: -addObjectsFromArray:"},
-    {"NSMutableDictionary",
-     "+dictionaryWithCapacity: -setObject:forKey:"},
+    {"NSImageSymbolConfiguration", "+configurationWithPointSize:weight:"},
+    {"NSImageView", "-setContentTintColor: -setImage: -setImageAlignment: -setImageScaling:"},
+    {"NSMutableArray", "+arrayWithCapacity: -addObject: -addObjectsFromArray:"},
+    {"NSMutableDictionary", "+dictionaryWithCapacity: -setObject:forKey:"},
     {"NSMutableParagraphStyle",
      "-setAlignment: -setLineBreakMode: -setMaximumLineHeight: -setMinimumLineHeight:"},
-    {"NSNotificationCenter",
-     "+defaultCenter -addObserver:selector:name:object: -removeObserver:"},
+    {"NSNotificationCenter", "+defaultCenter -addObserver:selector:name:object: -removeObserver:"},
     {"NSNumber",
      "+numberWithBool: +numberWithDouble: +numberWithInt: +numberWithInteger: "
      "+numberWithLongLong: +numberWithUnsignedLongLong: -boolValue -compare: -doubleValue "
@@ -101,13 +86,11 @@ inline constexpr SystemInterface kSystemInterfaces[] = {
     {"NSResponder",
      "-acceptsFirstResponder -becomeFirstResponder -keyDown: -mouseDown: -mouseDragged: "
      "-mouseEntered: -mouseExited: -mouseUp:"},
-    {"NSRunLoop",
-     "+currentRunLoop +mainRunLoop -addTimer:forMode:"},
+    {"NSRunLoop", "+currentRunLoop +mainRunLoop -addTimer:forMode:"},
     {"NSRunningApplication",
      "+runningApplicationsWithBundleIdentifier: -bundleIdentifier -launchDate "
      "-processIdentifier"},
-    {"NSScreen",
-     "+screens -backingScaleFactor -frame"},
+    {"NSScreen", "+screens -backingScaleFactor -frame"},
     {"NSScrollView",
      "-contentSize -contentView -reflectScrolledClipView: -setAutohidesScrollers: "
      "-setAutomaticallyAdjustsContentInsets: -setBorderType: -setDocumentView: "
@@ -116,33 +99,25 @@ inline constexpr SystemInterface kSystemInterfaces[] = {
     {"NSSegmentedControl",
      "-segmentCount -selectedSegment -setLabel:forSegment: -setSegmentCount: "
      "-setSegmentDistribution: -setSelectedSegment: -setTrackingMode:"},
-    {"NSShadow",
-     "-set -setShadowBlurRadius: -setShadowColor: -setShadowOffset:"},
-    {"NSStatusBar",
-     "+systemStatusBar -removeStatusItem: -statusItemWithLength:"},
-    {"NSStatusItem",
-     "-button -length"},
+    {"NSShadow", "-set -setShadowBlurRadius: -setShadowColor: -setShadowOffset:"},
+    {"NSStatusBar", "+systemStatusBar -removeStatusItem: -statusItemWithLength:"},
+    {"NSStatusItem", "-button -length"},
     {"NSString",
      "-characterAtIndex: -dataUsingEncoding:allowLossyConversion: -fileSystemRepresentation "
      "-initWithBytes:length:encoding: -isEqualToString: -length "
      "-rangeOfComposedCharacterSequenceAtIndex: -stringByAppendingString: "
      "-stringByTrimmingCharactersInSet: -substringToIndex:"},
-    {"NSSwitch",
-     "-setState: -state"},
+    {"NSSwitch", "-setState: -state"},
     {"NSTextField",
      "-setBezeled: -setBordered: -setDrawsBackground: -setEditable: -setMaximumNumberOfLines: "
      "-setSelectable:"},
-    {"NSTimer",
-     "+timerWithTimeInterval:target:selector:userInfo:repeats: -invalidate"},
-    {"NSTrackingArea",
-     "-initWithRect:options:owner:userInfo:"},
-    {"NSURL",
-     "-path"},
+    {"NSTimer", "+timerWithTimeInterval:target:selector:userInfo:repeats: -invalidate"},
+    {"NSTrackingArea", "-initWithRect:options:owner:userInfo:"},
+    {"NSURL", "-path"},
     {"NSUserDefaults",
      "+standardUserDefaults -objectForKey: -removePersistentDomainForName: -setBool:forKey: "
      "-setDouble:forKey: -setObject:forKey: -synchronize"},
-    {"NSValue",
-     "-objCType"},
+    {"NSValue", "-objCType"},
     {"NSView",
      "-acceptsFirstMouse: -accessibilityValue -addSubview: -addSubview:positioned:relativeTo: "
      "-addTrackingArea: -alignmentRectForFrame: -alignmentRectInsets -bounds -canBecomeKeyView "
@@ -164,8 +139,7 @@ inline constexpr SystemInterface kSystemInterfaces[] = {
      "-makeFirstResponder: -makeKeyWindow -mouseLocationOutsideOfEventStream "
      "-setAllowsToolTipsWhenApplicationIsInactive: -setAutorecalculatesKeyViewLoop: "
      "-setPreventsApplicationTerminationWhenModal:"},
-    {"NSWorkspace",
-     "+sharedWorkspace -accessibilityDisplayShouldReduceMotion -notificationCenter"},
+    {"NSWorkspace", "+sharedWorkspace -accessibilityDisplayShouldReduceMotion -notificationCenter"},
 };
 
 }  // namespace quillmont

@@ -51,7 +51,8 @@ class PanelFrames : public ::testing::Test {
     [content lockFocus];
     const auto picture = adopt([[NSBitmapImageRep alloc] initWithFocusedViewRect:[content bounds]]);
     [content unlockFocus];
-    NSData* const png = [picture representationUsingType:NSBitmapImageFileTypePNG properties:[NSDictionary dictionary]];
+    NSData* const png = [picture representationUsingType:NSBitmapImageFileTypePNG
+                                              properties:[NSDictionary dictionary]];
     ASSERT_TRUE([png writeToFile:foundationString(path) atomically:NO]);
   }
 
