@@ -2,13 +2,16 @@
 #include <gtest/gtest.h>
 
 #include <QFontInfo>
+#include <QImage>
 #include <cstdlib>
 #include <fstream>
+#include <string>
 
 #include "platform/linux/views/NativeWidget.h"
 #include "platform/linux/views/QtMetrics.h"
 #include "platform/linux/views/QtMount.h"
 #include "platform/linux/views/text_lines.h"
+#include "platform/linux/views/theme.h"
 #include "platform/posix/files.h"
 #include "tests/support/PosedPanel.h"
 
@@ -16,6 +19,17 @@ namespace quillmont {
 namespace {
 
 constexpr char kWrittenDown[] = QUILLMONT_SOURCE "/tests/support/panel_frames.txt";
+
+/// To be looked at beside another host's, as a PNG file in the folder that QUILLMONT_PICTURES
+/// names.
+void takePicture(QWidget* panel) {
+  const char* const folder = std::getenv("QUILLMONT_PICTURES");
+  if (!folder) return;
+  QImage picture(panel->size(), QImage::Format_RGB32);
+  picture.fill(colorNow(Color::windowBackground));
+  panel->render(&picture, QPoint(), QRegion(), QWidget::DrawChildren);
+  EXPECT_TRUE(picture.save(QString::fromStdString(std::string(folder) + "/panel-qt.png")));
+}
 
 TEST(PanelFrames, AreThoseThatWereWrittenDown) {
   if (!QFontInfo(fontFor(Font::body)).family().startsWith("Noto Sans CJK")) {
@@ -31,6 +45,7 @@ TEST(PanelFrames, AreThoseThatWereWrittenDown) {
     const auto origin = widget->mapTo(mount.widget(), QPointF());
     return {origin.x() + bounds.x(), origin.y() + bounds.y(), bounds.width(), bounds.height()};
   });
+  takePicture(mount.widget());
   panel.hide();
   // A panel that was changed on purpose is written down anew on request.
   if (std::getenv("QUILLMONT_WRITE_FRAMES")) std::ofstream(kWrittenDown) << frames;
