@@ -75,6 +75,7 @@ TEST_F(FilesTest, ReadsBackEveryByteThatWasWritten) {
 }
 
 TEST_F(FilesTest, ReadsKernelFilesThatHaveNoSize) {
+  if (access("/proc", F_OK) != 0) GTEST_SKIP() << "there is no /proc here";
   const auto read = readFile("/proc/self/mountinfo");
   ASSERT_TRUE(read);
   EXPECT_THAT(*read, HasSubstr(" / "));

@@ -38,6 +38,11 @@ static NSApplicationActivationPolicy activationPolicy = NSApplicationActivationP
   activationPolicy = policy;
   return YES;
 }
+/// GNUstep's own way with the keyboard.
+- (BOOL)isFullKeyboardAccessEnabled {
+  return YES;
+}
+
 @end
 
 @implementation NSWindow (QMCompat)

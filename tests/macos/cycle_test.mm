@@ -43,6 +43,17 @@ class RestlessClock : public SystemClock {
   void sleep(std::chrono::microseconds) override { std::this_thread::yield(); }
 };
 
+constexpr char kTestDomain[] = "com.example.QuillmontTest";
+
+/// The program's own domain would hold the settings of whoever runs this.
+class TestDefaults : public StandardDefaults {
+ public:
+  explicit TestDefaults(Log& log) : StandardDefaults(kTestDomain, log) {}
+  void removePersistentDomain(std::string_view domain) override {
+    StandardDefaults::removePersistentDomain(domain == kBundleIdentifier ? kTestDomain : domain);
+  }
+};
+
 /// Everything that needs no screen is a Mac's; the tools play recordings.
 class WholeCycle : public ::testing::Test {
  protected:
@@ -147,7 +158,7 @@ class WholeCycle : public ::testing::Test {
   PosixProcessLauncher processes{"/usr/bin:/bin:/usr/sbin:/sbin"};
   PosixFileManager files{{home.path() + "/Library"}};
   FoundationPropertyLists propertyLists;
-  StandardDefaults defaults{kBundleIdentifier, log};
+  TestDefaults defaults{log};
   MacWorkspace workspace;
   FakeApplication application;
   FakeDesktop desktop;

@@ -48,9 +48,9 @@ class PanelFrames : public ::testing::Test {
   static void takePicture(NSWindow* window, const std::string& path) {
     [window display];
     NSView* const content = [window contentView];
-    [content lockFocus];
-    const auto picture = adopt([[NSBitmapImageRep alloc] initWithFocusedViewRect:[content bounds]]);
-    [content unlockFocus];
+    NSBitmapImageRep* const picture =
+        [content bitmapImageRepForCachingDisplayInRect:[content bounds]];
+    [content cacheDisplayInRect:[content bounds] toBitmapImageRep:picture];
     NSData* const png = [picture representationUsingType:NSBitmapImageFileTypePNG
                                               properties:[NSDictionary dictionary]];
     ASSERT_TRUE([png writeToFile:foundationString(path) atomically:NO]);

@@ -1,12 +1,13 @@
-// Entry of tests of AppKit's views.
+// Entry of tests that have windows.
 
-#import <AppKit/AppKit.h>
 #include <gtest/gtest.h>
+
+#include "tests/support/accessory_application.h"
 
 int main(int argc, char** argv) {
   @autoreleasepool {
     ::testing::InitGoogleTest(&argc, argv);
-    [[NSApplication sharedApplication] finishLaunching];
+    [quillmont::testing::accessoryApplication() finishLaunching];
     return RUN_ALL_TESTS();
   }
 }

@@ -6,6 +6,8 @@
 #include <optional>
 #include <vector>
 
+#include "tests/support/accessory_application.h"
+
 namespace quillmont {
 namespace {
 
@@ -13,7 +15,7 @@ namespace {
 struct Fixture {
   NSStatusBarButton* view() const { return static_cast<NSStatusBarButton*>(item->view()); }
 
-  NSApplication* const application = [NSApplication sharedApplication];
+  NSApplication* const application = ::quillmont::testing::accessoryApplication();
   bool swallows = false;
   std::unique_ptr<MacStatusItem> item =
       std::make_unique<MacStatusItem>(kVariableStatusItemLength, [this] { return swallows; });

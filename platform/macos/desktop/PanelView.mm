@@ -65,10 +65,12 @@ void tell(const std::function<void()>& handler) {
 }
 
 - (void)viewDidChangeEffectiveAppearance {
+  [super viewDidChangeEffectiveAppearance];
   tell(onAppearance_);
 }
 
 - (void)viewDidChangeBackingProperties {
+  [super viewDidChangeBackingProperties];
   tell(onScale_);
 }
 

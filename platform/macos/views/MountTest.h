@@ -59,13 +59,14 @@ class MountTest : public ::testing::Test {
     return [found isKindOfClass:[View class]] ? static_cast<View*>(found) : nil;
   }
 
-  /// What colour a point of the view has; a pixel is a point here.
+  /// What colour a point of the view has.
   NSColor* pixel(NSView* seen, NSInteger x, NSInteger y) {
     [window display];
-    [seen lockFocus];
-    const auto picture = adopt([[NSBitmapImageRep alloc] initWithFocusedViewRect:[seen bounds]]);
-    [seen unlockFocus];
-    return [[picture colorAtX:x y:y] colorUsingColorSpace:[NSColorSpace sRGBColorSpace]];
+    NSBitmapImageRep* const picture = [seen bitmapImageRepForCachingDisplayInRect:[seen bounds]];
+    [seen cacheDisplayInRect:[seen bounds] toBitmapImageRep:picture];
+    const auto scale = static_cast<NSInteger>([window backingScaleFactor]);
+    return [[picture colorAtX:x * scale
+                            y:y * scale] colorUsingColorSpace:[NSColorSpace sRGBColorSpace]];
   }
 
   /// What is seen of a view, in the panel's coordinates.

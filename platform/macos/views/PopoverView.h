@@ -42,7 +42,9 @@ class PopoverView : public MountedView {
   NSPopover* popover() const { return popover_; }
 
  private:
+  void closes();
   void close();
+  void disconnect();
   bool isPressOnAnchor() const;
 
   const MountedView& anchor_;

@@ -49,13 +49,12 @@ PopoverView::PopoverView(const MountedView& anchor, ViewId view, ViewActions& ac
   [popover_ setContentViewController:controller_];
   [popover_ setBehavior:NSPopoverBehaviorTransient];
   [popover_ setDelegate:keeper_];
-  keeper_.get()->onClosing = [this] { dismiss(); };
+  keeper_.get()->onClosing = [this] { closes(); };
   keeper_.get()->mayClose = [this] { return !isPressOnAnchor(); };
 }
 
 PopoverView::~PopoverView() {
   close();
-  content_.get()->onWindowChange = nullptr;
 }
 
 void PopoverView::take(const NativeProperties& properties) {
@@ -85,13 +84,25 @@ void PopoverView::dismiss() {
   actions_.dismiss(id_);
 }
 
-/// What AppKit has to say from now on, it says to nobody.
+/// AppKit is closing it, and is not to be asked for that once more.
+void PopoverView::closes() {
+  if (closed_) return;
+  disconnect();
+  actions_.dismiss(id_);
+}
+
 void PopoverView::close() {
+  const bool isOpen = !closed_ && isShown();
+  disconnect();
+  if (isOpen) [popover_ close];
+}
+
+/// What AppKit has to say from now on, it says to nobody.
+void PopoverView::disconnect() {
   closed_ = true;
   keeper_.get()->onClosing = nullptr;
   keeper_.get()->mayClose = nullptr;
   [popover_ setDelegate:nil];
-  if (isShown()) [popover_ close];
 }
 
 /// Closed by the press, it would be opened again by the release.

@@ -40,8 +40,7 @@ class PopoverOnAView : public MountTest {
   /// The user closes it, in whichever way.
   void closeByUser() {
     @autoreleasepool {
-      [[keeper() retain] autorelease];
-      [keeper() popoverWillClose:[NSNotification notificationWithName:@"closed" object:nil]];
+      [popover() close];
     }
     turn();
   }

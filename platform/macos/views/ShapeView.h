@@ -13,7 +13,7 @@
 
 namespace quillmont {
 
-/// Larger than its frame by what stroke and shadow need. Only its parent's edges cut them off.
+/// Larger than its frame by what stroke and shadow need. Nothing but a scroll view cuts them off.
 class ShapeView : public MountedView {
  public:
   ShapeView() : view_(adopt([[QMShapeView alloc] initWithFrame:NSZeroRect])) {}

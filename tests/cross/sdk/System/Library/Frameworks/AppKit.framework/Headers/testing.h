@@ -9,6 +9,8 @@
 QM_ENUM(NSUInteger, NSBitmapImageFileType){NSBitmapImageFileTypePNG = 4};
 typedef NSString* NSBitmapImageRepPropertyKey;
 
+@class NSBitmapImageRep;
+
 @interface NSEvent (Testing)
 + (nullable NSEvent*)mouseEventWithType:(NSEventType)type
                                location:(NSPoint)location
@@ -46,6 +48,7 @@ typedef NSString* NSBitmapImageRepPropertyKey;
                                    dequeue:(BOOL)dequeue;
 - (void)postEvent:(NSEvent*)event atStart:(BOOL)first;
 - (void)sendEvent:(NSEvent*)event;
+@property(readonly, getter=isFullKeyboardAccessEnabled) BOOL fullKeyboardAccessEnabled;
 @end
 
 @interface NSWindow (Testing)
@@ -56,8 +59,8 @@ typedef NSString* NSBitmapImageRepPropertyKey;
 @end
 
 @interface NSView (Testing)
-- (void)lockFocus;
-- (void)unlockFocus;
+- (nullable NSBitmapImageRep*)bitmapImageRepForCachingDisplayInRect:(NSRect)rect;
+- (void)cacheDisplayInRect:(NSRect)rect toBitmapImageRep:(NSBitmapImageRep*)picture;
 @end
 
 @interface NSTrackingArea (Testing)
@@ -78,7 +81,6 @@ typedef NSString* NSBitmapImageRepPropertyKey;
 @end
 
 @interface NSBitmapImageRep : NSImageRep
-- (nullable instancetype)initWithFocusedViewRect:(NSRect)rect;
 - (nullable NSColor*)colorAtX:(NSInteger)x y:(NSInteger)y;
 - (nullable NSData*)representationUsingType:(NSBitmapImageFileType)type
                                  properties:(NSDictionary<NSBitmapImageRepPropertyKey, id>*)values;
