@@ -20,8 +20,8 @@
 namespace quillmont {
 namespace {
 
-using testing::eventually;
 using ::testing::ElementsAre;
+using testing::eventually;
 using ::testing::HasSubstr;
 using testing::TemporaryFolder;
 
