@@ -19,6 +19,7 @@
 #include "platform/posix/PosixProcessLauncher.h"
 #include "platform/posix/SystemClock.h"
 #include "platform/posix/ThreadQueue.h"
+#include "platform/posix/files.h"
 
 namespace quillmont {
 namespace {
@@ -71,8 +72,7 @@ struct LinuxHost {
 };
 
 const Host* makeHost() {
-  // A folder on an image would be held by the program itself, and by every tool that it starts.
-  static_cast<void>(chdir("/") == 0);
+  leaveStartFolder();
   auto& parts = *new LinuxHost;
   return new Host{.processes = parts.processes,
                   .propertyLists = parts.propertyLists,

@@ -17,6 +17,7 @@
 #include "platform/posix/PosixProcessLauncher.h"
 #include "platform/posix/SystemClock.h"
 #include "platform/posix/ThreadQueue.h"
+#include "platform/posix/files.h"
 
 namespace quillmont {
 namespace {
@@ -41,8 +42,7 @@ struct MacHost {
 };
 
 const Host* makeHost() {
-  // A folder on an image would be held by the program itself, and by every tool that it starts.
-  static_cast<void>(chdir("/") == 0);
+  leaveStartFolder();
   signal(SIGPIPE, SIG_IGN);
   auto& parts = *new MacHost;
 #ifndef NDEBUG

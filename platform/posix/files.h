@@ -9,6 +9,10 @@
 
 namespace quillmont {
 
+/// To the root folder: one on an image would be held by the program itself, and by every tool that
+/// it starts.
+void leaveStartFolder();
+
 /// All bytes of the file at `path`. Works on /proc and /sys, whose files have no size. Failure:
 /// the system's reason, or a file of more than `limit` bytes.
 Result<std::string> readFile(const std::string& path, std::size_t limit = 64u << 20);
