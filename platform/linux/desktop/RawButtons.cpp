@@ -34,12 +34,8 @@ void selectRawButtons(xcb_connection_t* connection) {
 std::unique_ptr<RawButtons> RawButtons::listen(Handler handler) {
   if (!tellsOfEveryPress()) return nullptr;
   auto connection = connectToX11();
-  if (!connection) return nullptr;
-  const auto* const extension = xcb_get_extension_data(connection.get(), &xcb_input_id);
-  if (!extension || !extension->present) return nullptr;
-  const auto code = extension->major_opcode;
-  // Each client has to say which version it knows, or it gets no raw events.
-  xcb_input_xi_query_version(connection.get(), 2, 2);
+  if (!connection || !announceInputVersion2(connection.get())) return nullptr;
+  const auto code = xcb_get_extension_data(connection.get(), &xcb_input_id)->major_opcode;
   selectRawButtons(connection.get());
   return std::unique_ptr<RawButtons>(
       new RawButtons(std::move(connection), code, std::move(handler)));

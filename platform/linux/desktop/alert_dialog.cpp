@@ -61,8 +61,6 @@ class AlertDialog : public QDialog {
     rows->setSizeConstraint(QLayout::SetFixedSize);
     rows->addLayout(makeTexts(alert));
     rows->addLayout(makeButtons(alert.buttonTitles));
-    // Return presses the button with the focus, and the first one as long as none has it.
-    if (first_) first_->setDefault(true);
   }
 
   /// None: it has gone without one.
@@ -92,11 +90,12 @@ class AlertDialog : public QDialog {
     row->setSpacing(kSpacing);
     row->addStretch();
     for (std::size_t index = 0; index < titles.size(); ++index) {
-      auto* const button = new QPushButton(QString::fromStdString(titles[index]));
+      auto* const button = new QPushButton(QString::fromStdString(titles[index]), this);
       button->setMinimumWidth(kButtonWidth);
+      // Return presses the button with the focus, and the first one as long as none has it.
+      button->setDefault(index == 0);
       connect(button, &QPushButton::clicked, this, [this, index] { answerWith(index); });
       row->addWidget(button);
-      if (!first_) first_ = button;
     }
     const auto cancel = std::find(titles.begin(), titles.end(), kCancelTitle);
     if (cancel != titles.end()) {
@@ -112,7 +111,6 @@ class AlertDialog : public QDialog {
     done(Accepted);
   }
 
-  QPushButton* first_ = nullptr;
   std::optional<std::size_t> answer_, escapeAnswer_;
 };
 

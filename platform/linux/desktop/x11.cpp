@@ -26,17 +26,6 @@ int screenNumber() {
   return screen;
 }
 
-/// The answer is needed: a server that has not heard of version 2 sends no raw events.
-bool hasInputVersion2() {
-  const auto connection = connectToX11();
-  if (!connection) return false;
-  const auto* const extension = xcb_get_extension_data(connection.get(), &xcb_input_id);
-  if (!extension || !extension->present) return false;
-  const auto version = owned(xcb_input_xi_query_version_reply(
-      connection.get(), xcb_input_xi_query_version(connection.get(), 2, 2), nullptr));
-  return version && version->major_version >= 2;
-}
-
 }  // namespace
 
 void CloseX11::operator()(xcb_connection_t* connection) const {
@@ -59,9 +48,21 @@ bool isWithinWayland() {
   return qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
 }
 
+/// The answer is needed: a server that has not heard of version 2 sends no raw events.
+bool announceInputVersion2(xcb_connection_t* connection) {
+  const auto* const extension = xcb_get_extension_data(connection, &xcb_input_id);
+  if (!extension || !extension->present) return false;
+  const auto version = owned(xcb_input_xi_query_version_reply(
+      connection, xcb_input_xi_query_version(connection, 2, 2), nullptr));
+  return version && version->major_version >= 2;
+}
+
 bool tellsOfEveryPress() {
   if (!qtX11Connection() || isWithinWayland()) return false;
-  static const bool result = hasInputVersion2();
+  static const bool result = [] {
+    const auto connection = connectToX11();
+    return connection && announceInputVersion2(connection.get());
+  }();
   return result;
 }
 

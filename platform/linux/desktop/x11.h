@@ -27,6 +27,10 @@ xcb_connection_t* qtX11Connection();
 /// own windows.
 bool isWithinWayland();
 
+/// Says on `connection` that raw events are known, without which none are sent. False for a server
+/// without version 2 of the input extension.
+bool announceInputVersion2(xcb_connection_t* connection);
+
 /// Whether the X server tells of every press of a button, whatever it goes to. One within a Wayland
 /// session does not, nor one without version 2 of the input extension.
 bool tellsOfEveryPress();
