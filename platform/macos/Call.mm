@@ -18,8 +18,8 @@
   }
 }
 
-- (void)fire:(NSTimer*)timer {
-  (void)timer;
+- (void)fire:(id)sender {
+  (void)sender;
   const auto held = quillmont::share(self);
   [self run];
 }

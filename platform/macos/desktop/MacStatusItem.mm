@@ -4,7 +4,7 @@
 
 #include <utility>
 
-#include "platform/macos/Action.h"
+#include "platform/macos/Call.h"
 #include "platform/macos/Retained.h"
 #include "platform/macos/strings.h"
 
@@ -27,7 +27,7 @@ class MacStatusItem::Native {
  public:
   Native(double length, const std::function<void()>& onClick)
       : item_(share([[NSStatusBar systemStatusBar] statusItemWithLength:length])),
-        click_(adopt([[QMAction alloc] initWithFunction:[onClick](id) { onClick(); }])) {
+        click_(adopt([[QMCall alloc] initWithFunction:onClick])) {
     [button() setTarget:click_];
     [button() setAction:@selector(fire:)];
     [button() sendActionOn:NSEventMaskLeftMouseDown];
@@ -43,7 +43,7 @@ class MacStatusItem::Native {
 
  private:
   const Retained<NSStatusItem*> item_;
-  const Retained<QMAction*> click_;
+  const Retained<QMCall*> click_;
 };
 
 MacStatusItem::MacStatusItem(double length, std::function<bool()> swallows)

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/macos/Action.h"
+#include "platform/macos/Call.h"
 #include "platform/macos/Retained.h"
 #include "platform/macos/strings.h"
 
@@ -35,7 +35,7 @@ void wakeLoop() {
 std::int64_t answered(const Alert& alert, const std::function<void(NSWindow*)>& action) {
   [NSApplication sharedApplication];
   bool done = false;
-  const auto target = adopt([[QMAction alloc] initWithFunction:[&](id) {
+  const auto target = adopt([[QMCall alloc] initWithFunction:[&] {
     if (!done && [[NSApp modalWindow] isVisible]) {
       done = true;
       action([NSApp modalWindow]);
