@@ -13,27 +13,15 @@
 #include <vector>
 
 #include "platform/linux/views/QtMount.h"
-#include "tests/support/RecordedActions.h"
+#include "tests/support/HandmadeViewsTest.h"
 
 namespace quillmont::testing {
 
-class MountTest : public ::testing::Test {
+class MountTest : public HandmadeViewsTest {
  protected:
   MountTest() { mount->widget()->show(); }
 
-  /// As the last child of `parent`.
-  InsertView insertion(ViewId id, NativeContent content, Rect frame, ViewId parent = kRootView) {
-    return {id, parent, 1000, {std::move(content)}, frame};
-  }
-
-  void insert(ViewId id, NativeContent content, Rect frame, ViewId parent = kRootView) {
-    apply({insertion(id, std::move(content), frame, parent)});
-  }
-
-  void update(ViewId id, NativeProperties properties) { apply({UpdateView{id, properties}}); }
-  void remove(ViewId id) { apply({RemoveView{id}}); }
-
-  void apply(const std::vector<ViewChange>& changes) { mount->apply(changes, {320, 400}); }
+  void apply(const std::vector<ViewChange>& changes) override { mount->apply(changes, kPanelSize); }
 
   QWidget* widget(ViewId id) { return mount->widgetOf(id); }
   template <class Widget>
@@ -67,12 +55,7 @@ class MountTest : public ::testing::Test {
                       target ? target->mapFrom(window, position) : position);
   }
 
-  RecordedActions actions;
   std::unique_ptr<QtMount> mount = std::make_unique<QtMount>(actions);
 };
-
-inline const NativeLabel kLabel{.text = "Installer", .font = {}, .color = {}};
-inline const NativeSymbol kEjectSymbol{"eject.fill", Font::system(11), Color::red};
-inline const NativeShape kSquare{.fill = Color::red};
 
 }  // namespace quillmont::testing

@@ -13,12 +13,12 @@
 #include "platform/macos/Retained.h"
 #include "platform/macos/views/AppKitMount.h"
 #include "platform/macos/views/mounted_views.h"
-#include "tests/support/RecordedActions.h"
+#include "tests/support/HandmadeViewsTest.h"
 
 namespace quillmont::testing {
 
 /// On a window of its own, away from where the pointer is at first.
-class MountTest : public ::testing::Test {
+class MountTest : public HandmadeViewsTest {
  protected:
   MountTest() {
     [window setReleasedWhenClosed:NO];
@@ -34,21 +34,9 @@ class MountTest : public ::testing::Test {
     turn();
   }
 
-  /// As the last child of `parent`.
-  InsertView insertion(ViewId id, NativeContent content, Rect frame, ViewId parent = kRootView) {
-    return {id, parent, 1000, {std::move(content)}, frame};
-  }
-
-  void insert(ViewId id, NativeContent content, Rect frame, ViewId parent = kRootView) {
-    apply({insertion(id, std::move(content), frame, parent)});
-  }
-
-  void update(ViewId id, NativeProperties properties) { apply({UpdateView{id, properties}}); }
-  void remove(ViewId id) { apply({RemoveView{id}}); }
-
-  void apply(const std::vector<ViewChange>& changes) {
+  void apply(const std::vector<ViewChange>& changes) override {
     @autoreleasepool {
-      mount->apply(changes, {320, 400});
+      mount->apply(changes, kPanelSize);
     }
   }
 
@@ -146,7 +134,6 @@ class MountTest : public ::testing::Test {
     }
   }
 
-  RecordedActions actions;
   std::unique_ptr<AppKitMount> mount = std::make_unique<AppKitMount>(actions);
   const Retained<NSWindow*> window =
       adopt([[NSWindow alloc] initWithContentRect:NSMakeRect(20, 20, 320, 400)
@@ -154,9 +141,5 @@ class MountTest : public ::testing::Test {
                                           backing:NSBackingStoreBuffered
                                             defer:NO]);
 };
-
-inline const NativeLabel kLabel{.text = "Installer", .font = {}, .color = {}};
-inline const NativeSymbol kEjectSymbol{"eject.fill", Font::system(11), Color::red};
-inline const NativeShape kSquare{.fill = Color::red};
 
 }  // namespace quillmont::testing
