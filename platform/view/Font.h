@@ -1,6 +1,8 @@
 // The system's font in a size and a weight, and the text styles that the panel uses.
 #pragma once
 
+#include <cmath>
+
 namespace quillmont {
 
 enum class FontWeight { regular = 400, medium = 500, semibold = 600, bold = 700 };
@@ -21,6 +23,12 @@ inline constexpr Font Font::body{13, FontWeight::regular};
 inline constexpr Font Font::headline{13, FontWeight::bold};
 inline constexpr Font Font::subheadline{11, FontWeight::regular};
 inline constexpr Font Font::caption{10, FontWeight::regular};
+
+/// From one line of a text to the next, in whole points. Letters that the system's font has to
+/// borrow from another one do not change it.
+inline double lineHeight(const Font& font) {
+  return std::ceil(1.22 * font.size);
+}
 
 /// How the lines of a text lie within its own width.
 enum class TextAlignment { leading, center, trailing };

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <utility>
 
+#include "platform/view/native_properties.h"
+
 namespace quillmont {
 namespace {
 
@@ -160,7 +162,7 @@ class Flattener {
   NativeNode& carrierOf(const Element& element, bool asGroup, Point origin, Nodes& nodes) const {
     Nodes inner;
     add(element.children.front(), corner(element), inner);
-    if (!asGroup && inner.size() == 1 && isControl(inner[0]) && inner[0].frame.x == 0 &&
+    if (!asGroup && inner.size() == 1 && isControl(inner[0].properties) && inner[0].frame.x == 0 &&
         inner[0].frame.y == 0 && sameSize(inner[0].frame, rounded(element.frame))) {
       inner[0].frame = node(element, NativeGroup{}, origin).frame;
       nodes.push_back(std::move(inner[0]));
@@ -174,14 +176,6 @@ class Flattener {
 
   static bool sameSize(const Rect& left, const Rect& right) {
     return left.width == right.width && left.height == right.height;
-  }
-
-  static bool isControl(const NativeNode& node) {
-    const auto& content = node.properties.content;
-    return std::holds_alternative<NativeButton>(content) ||
-           std::holds_alternative<NativeSwitch>(content) ||
-           std::holds_alternative<NativeCheckbox>(content) ||
-           std::holds_alternative<NativeSegments>(content);
   }
 
   double scale_;

@@ -3,8 +3,9 @@
 #include <QCursor>
 #include <QEvent>
 #include <QTimer>
+#include <functional>
 #include <map>
-#include <vector>
+#include <utility>
 
 namespace quillmont {
 namespace {
@@ -30,71 +31,45 @@ class Targets {
 
 }  // namespace
 
+HoverTracker::HoverTracker(ViewActions& actions)
+    : states_(actions, [this](std::function<void()> what) {
+        QTimer::singleShot(0, this, std::move(what));
+      }) {}
+
 void HoverTracker::track(ViewId view, QWidget* widget) {
+  states_.track(view);
   auto& tracked = tracked_[view];
-  if (tracked.widget == widget) return;
-  tracked.widget = widget;
+  if (tracked == widget) return;
+  tracked = widget;
   widget->installEventFilter(this);
 }
 
 void HoverTracker::forget(ViewId view) {
+  states_.forget(view);
   const auto found = tracked_.find(view);
   if (found == tracked_.end()) return;
-  if (found->second.widget) found->second.widget->removeEventFilter(this);
+  if (found->second) found->second->removeEventFilter(this);
   tracked_.erase(found);
-}
-
-void HoverTracker::release() {
-  held_ = false;
-  tellSoon();
 }
 
 void HoverTracker::lookAgain() {
   Targets targets;
-  for (auto& [view, tracked] : tracked_) {
+  for (const auto& [view, widget] : tracked_) {
     // Elsewhere the system's idea of where the pointer is may be an old one.
-    if (!tracked.widget || !tracked.widget->window()->underMouse()) continue;
-    tracked.isInside = tracked.widget->isVisible() && targets.isWithin(*tracked.widget);
+    if (!widget || !widget->window()->underMouse()) continue;
+    states_.set(view, widget->isVisible() && targets.isWithin(*widget));
   }
-  tellSoon();
+  states_.tellSoon();
 }
 
 bool HoverTracker::eventFilter(QObject* watched, QEvent* event) {
   const auto type = event->type();
   if (type != QEvent::Enter && type != QEvent::Leave && type != QEvent::Hide) return false;
-  for (auto& [view, tracked] : tracked_) {
-    if (tracked.widget == watched) tracked.isInside = type == QEvent::Enter;
+  for (const auto& [view, widget] : tracked_) {
+    if (widget == watched) states_.set(view, type == QEvent::Enter);
   }
-  if (!held_) tell();
+  states_.tell();
   return false;
-}
-
-void HoverTracker::tellSoon() {
-  if (scheduled_) return;
-  scheduled_ = true;
-  QTimer::singleShot(0, this, [this] {
-    scheduled_ = false;
-    if (!held_) tell();
-  });
-}
-
-void HoverTracker::tell() {
-  tellThose(false);
-  tellThose(true);
-}
-
-/// An action may change the panel, and with it what is tracked.
-void HoverTracker::tellThose(bool areInside) {
-  std::vector<ViewId> views;
-  for (const auto& [view, tracked] : tracked_) {
-    if (tracked.isInside == areInside && tracked.toldInside != areInside) views.push_back(view);
-  }
-  for (const auto view : views) {
-    const auto found = tracked_.find(view);
-    if (found == tracked_.end() || found->second.isInside != areInside) continue;
-    found->second.toldInside = areInside;
-    actions_.hover(view, areInside);
-  }
 }
 
 }  // namespace quillmont

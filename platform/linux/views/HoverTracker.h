@@ -6,7 +6,7 @@
 #include <QWidget>
 #include <unordered_map>
 
-#include "platform/view/ViewActions.h"
+#include "platform/view/HoverStates.h"
 
 namespace quillmont {
 
@@ -15,7 +15,7 @@ namespace quillmont {
 class HoverTracker : public QObject {
  public:
   /// `actions` must outlive the tracker.
-  explicit HoverTracker(ViewActions& actions) : actions_(actions) {}
+  explicit HoverTracker(ViewActions& actions);
 
   void track(ViewId view, QWidget* widget);
 
@@ -23,8 +23,8 @@ class HoverTracker : public QObject {
   void forget(ViewId view);
 
   /// Between these two, nothing is told; what has happened by then is told soon after.
-  void hold() { held_ = true; }
-  void release();
+  void hold() { states_.hold(); }
+  void release() { states_.release(); }
 
   /// Looks for the pointer itself: views have moved below it.
   void lookAgain();
@@ -33,20 +33,8 @@ class HoverTracker : public QObject {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  struct Tracked {
-    QPointer<QWidget> widget;
-    bool isInside = false;
-    bool toldInside = false;
-  };
-
-  void tellSoon();
-  void tell();
-  void tellThose(bool areInside);
-
-  ViewActions& actions_;
-  std::unordered_map<ViewId, Tracked> tracked_;
-  bool held_ = false;
-  bool scheduled_ = false;
+  HoverStates states_;
+  std::unordered_map<ViewId, QPointer<QWidget>> tracked_;
 };
 
 }  // namespace quillmont

@@ -8,6 +8,7 @@
 #include "platform/linux/views/control_sizes.h"
 #include "platform/linux/views/symbols.h"
 #include "platform/linux/views/text_lines.h"
+#include "platform/view/figures.h"
 
 namespace quillmont {
 
@@ -32,7 +33,7 @@ Size QtMetrics::symbolSize(const std::string& name, const Font& font) const {
 }
 
 Size QtMetrics::switchSize() const {
-  return {kSwitchWidth, kSwitchHeight};
+  return kSwitchSize;
 }
 
 Size QtMetrics::checkboxSize(const std::string& title, const Font& font) const {

@@ -4,8 +4,8 @@
 #include <QStyle>
 #include <algorithm>
 
-#include "platform/linux/views/control_sizes.h"
 #include "platform/linux/views/theme.h"
+#include "platform/view/figures.h"
 
 namespace quillmont {
 namespace {
@@ -32,7 +32,7 @@ void drawKnob(QPainter& painter, const QRectF& knob) {
 
 SwitchWidget::SwitchWidget(QWidget* parent, ViewId id, ViewActions& actions) : Control(parent) {
   setCheckable(true);
-  setProperty(kFocusRadius, kSwitchHeight / 2);
+  setProperty(kFocusRadius, kSwitchSize.height / 2);
   slide_.setEasingCurve(QEasingCurve::InOutQuad);
   connect(&slide_, &QVariantAnimation::valueChanged, this, [this](const QVariant& value) {
     position_ = value.toDouble();

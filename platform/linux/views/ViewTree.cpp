@@ -6,16 +6,9 @@
 
 #include "platform/linux/views/ScrollWidget.h"
 #include "platform/linux/views/view_widgets.h"
+#include "platform/view/native_properties.h"
 
 namespace quillmont {
-namespace {
-
-bool sameKind(const NativeProperties& left, const NativeProperties& right) {
-  return left.content.index() == right.content.index();
-}
-
-}  // namespace
-
 ViewTree::ViewTree(ViewActions& actions)
     : actions_(actions), root_(new GroupWidget(nullptr)), hover_(actions_), ring_(root_) {
   nodes_[kRootView].view = root_;

@@ -5,9 +5,6 @@
 
 namespace quillmont {
 
-inline constexpr double kSwitchWidth = 38;
-inline constexpr double kSwitchHeight = 22;
-
 inline constexpr double kCheckboxSide = 14;
 inline constexpr double kCheckboxGap = 6;  ///< between the box and its title
 

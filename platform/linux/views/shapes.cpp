@@ -8,19 +8,10 @@
 #include <vector>
 
 #include "platform/linux/views/theme.h"
+#include "platform/view/figures.h"
 
 namespace quillmont {
 namespace {
-
-/// Beyond so many of its radii nothing is left of a shadow.
-constexpr double kShadowReach = 3;
-
-/// How far from the corner a side begins to bend, in radii.
-constexpr double kBend = 1.42;
-
-/// Where a quarter of a circle with radius 1 is nearest to its corner, along each side, eight
-/// times: a curve of the third degree is there at an eighth of what its four points add up to.
-const double kDepth = 8 * (1 - std::sqrt(0.5));
 
 /// Averages every pixel with those up to `reach` away from it in its line. `step` leads from one
 /// pixel to the next.
@@ -106,15 +97,12 @@ void drawShadow(QPainter& painter, const NativeShape& shape, const QRectF& rect)
 }  // namespace
 
 QPainterPath continuousRectangle(const QRectF& rect, double cornerRadius) {
-  const double most = std::min(rect.width(), rect.height()) / 2;
-  const double radius = std::clamp(cornerRadius, 0.0, most);
-  const double bend = std::min(kBend * radius, most);
-  const double hold = (kDepth * radius - bend) / 3;
+  const auto curve = continuousCorner({rect.width(), rect.height()}, cornerRadius);
   const QPointF x(1, 0), y(0, 1);
-  QPainterPath path(rect.topLeft() + y * bend);
+  QPainterPath path(rect.topLeft() + y * curve.bend);
   const auto corner = [&](QPointF at, QPointF from, QPointF to) {
-    path.lineTo(at + from * bend);
-    path.cubicTo(at + from * hold, at + to * hold, at + to * bend);
+    path.lineTo(at + from * curve.bend);
+    path.cubicTo(at + from * curve.hold, at + to * curve.hold, at + to * curve.bend);
   };
   corner(rect.topLeft(), y, x);
   corner(rect.topRight(), -x, y);
@@ -143,14 +131,8 @@ QPainterPath outlineOf(const NativeShape& shape, const QRectF& rect) {
 }
 
 QMarginsF reachOf(const NativeShape& shape) {
-  const double line = shape.stroke ? shape.stroke->lineWidth / 2 : 0;
-  QMarginsF reach(line, line, line, line);
-  if (!shape.shadow) return reach;
-  const double blurred = kShadowReach * shape.shadow->radius;
-  const auto& offset = shape.shadow->offset;
-  return {std::max(reach.left(), blurred - offset.x), std::max(reach.top(), blurred - offset.y),
-          std::max(reach.right(), blurred + offset.x),
-          std::max(reach.bottom(), blurred + offset.y)};
+  const auto reach = figureReach(shape);
+  return {reach.left, reach.top, reach.right, reach.bottom};
 }
 
 void drawShape(QPainter& painter, const NativeShape& shape, const QRectF& rect) {

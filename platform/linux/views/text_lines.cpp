@@ -70,10 +70,6 @@ QFont fontFor(const Font& font) {
   return result;
 }
 
-double lineHeight(const Font& font) {
-  return std::ceil(1.22 * font.size);
-}
-
 double baseline(const Font& font) {
   // Han characters fill the line from 0.88 above what they stand on to 0.12 below.
   return std::floor(lineHeight(font) / 2 + 0.38 * font.size + 0.5);

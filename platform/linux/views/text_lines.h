@@ -19,9 +19,6 @@ QStringList fontFamilies();
 /// The system's font for labels in that size, whatever the screen's resolution is said to be.
 QFont fontFor(const Font& font);
 
-/// From one line of a text to the next.
-double lineHeight(const Font& font);
-
 /// From the top of a line down to what letters stand on.
 double baseline(const Font& font);
 

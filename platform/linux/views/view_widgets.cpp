@@ -9,6 +9,7 @@
 #include "platform/linux/views/ShapeWidget.h"
 #include "platform/linux/views/SwitchWidget.h"
 #include "platform/linux/views/SymbolWidget.h"
+#include "platform/view/native_properties.h"
 
 namespace quillmont {
 namespace {
@@ -38,22 +39,6 @@ struct Maker {
   }
 };
 
-std::string ownText(const NativeContent& content) {
-  if (const auto* const label = std::get_if<NativeLabel>(&content)) return label->text;
-  if (const auto* const checkbox = std::get_if<NativeCheckbox>(&content)) return checkbox->title;
-  return {};
-}
-
-/// Figures may lie in front of controls, as a card's outline does.
-bool letsMouseThrough(const NativeProperties& properties, bool inButton) {
-  if (properties.tracksHover || !properties.help.empty()) return false;
-  const auto& content = properties.content;
-  return std::holds_alternative<NativeLabel>(content) ||
-         std::holds_alternative<NativeSymbol>(content) ||
-         std::holds_alternative<NativeShape>(content) ||
-         (inButton && std::holds_alternative<NativeGroup>(content));
-}
-
 QString toolTip(const std::string& help) {
   const auto text = QString::fromStdString(help);
   return Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text;
@@ -74,7 +59,7 @@ NativeWidget* makeViewWidget(const NativeContent& content, QWidget* parent, View
 
 void describeWidget(QWidget& widget, const NativeProperties& properties, bool inButton) {
   auto name = properties.accessibilityLabel;
-  if (name.empty()) name = ownText(properties.content);
+  if (name.empty()) name = ownText(properties);
   if (name.empty()) name = properties.help;
   // Each of these is announced, changed or not.
   setText(widget, &QWidget::accessibleName, &QWidget::setAccessibleName, name);

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "platform/macos/Retained.h"
-#include "platform/view/ViewActions.h"
+#include "platform/view/HoverStates.h"
 
 /// The owner of a tracking area.
 @interface QMPointerWatcher : NSObject {
@@ -27,7 +27,7 @@ namespace quillmont {
 class HoverTracker {
  public:
   /// `actions` must outlive the tracker.
-  explicit HoverTracker(ViewActions& actions) : actions_(actions) {}
+  explicit HoverTracker(ViewActions& actions);
 
   /// `area` is all of what is in a window, and is told of itself; the rest is within it.
   void watch(NSView* area);
@@ -39,8 +39,8 @@ class HoverTracker {
   void forget(ViewId view);
 
   /// Between these two, nothing is told; what has happened by then is told soon after.
-  void hold() { held_ = true; }
-  void release();
+  void hold() { states_.hold(); }
+  void release() { states_.release(); }
 
   /// Looks for the pointer itself: views have moved below it, of which AppKit does not always tell.
   void lookAgain();
@@ -68,24 +68,11 @@ class HoverTracker {
     std::unique_ptr<Area> area;
     bool isInside = false;
   };
-  struct Tracked {
-    std::unique_ptr<Area> area;
-    bool isInside = false;
-    bool toldInside = false;
-  };
-
-  void changed(ViewId view, bool isInside);
   bool isPointerAround(NSView* view) const;
-  void tellSoon();
-  void tell();
-  void tellThose(bool areInside);
 
-  ViewActions& actions_;
+  HoverStates states_;
   std::vector<Watched> watched_;
-  std::unordered_map<ViewId, Tracked> tracked_;
-  bool held_ = false;
-  bool scheduled_ = false;
-  const std::shared_ptr<HoverTracker*> self_ = std::make_shared<HoverTracker*>(this);
+  std::unordered_map<ViewId, std::unique_ptr<Area>> tracked_;
 };
 
 }  // namespace quillmont

@@ -53,6 +53,8 @@ HoverTracker::Area::~Area() {
   [view_ removeTrackingArea:area_];
 }
 
+HoverTracker::HoverTracker(ViewActions& actions) : states_(actions, &later) {}
+
 void HoverTracker::watch(NSView* area) {
   auto onChange = [this, area](bool isInside) {
     for (auto& watched : watched_) {
@@ -67,41 +69,32 @@ void HoverTracker::unwatch(NSView* area) {
 }
 
 void HoverTracker::track(ViewId view, NSView* native) {
-  auto& tracked = tracked_[view];
-  if (tracked.area && tracked.area->view() == native) return;
-  tracked.area =
-      std::make_unique<Area>(native, [this, view](bool isInside) { changed(view, isInside); });
+  states_.track(view);
+  auto& area = tracked_[view];
+  if (area && area->view() == native) return;
+  area = std::make_unique<Area>(native, [this, view](bool isInside) {
+    states_.set(view, isInside);
+    states_.tell();
+  });
 }
 
 void HoverTracker::forget(ViewId view) {
+  states_.forget(view);
   tracked_.erase(view);
 }
 
-void HoverTracker::release() {
-  held_ = false;
-  tellSoon();
-}
-
 void HoverTracker::lookAgain() {
-  for (auto& [view, tracked] : tracked_) {
+  for (const auto& [view, area] : tracked_) {
     // Elsewhere the pointer may be over another window that covers this one.
-    if (!isPointerAround(tracked.area->view())) continue;
-    tracked.isInside = isUnderPointer(tracked.area->view());
+    if (isPointerAround(area->view())) states_.set(view, isUnderPointer(area->view()));
   }
-  tellSoon();
+  states_.tellSoon();
 }
 
 void HoverTracker::leaveAll() {
   for (auto& watched : watched_) watched.isInside = false;
-  for (auto& [view, tracked] : tracked_) tracked.isInside = false;
-  if (!held_) tell();
-}
-
-void HoverTracker::changed(ViewId view, bool isInside) {
-  const auto found = tracked_.find(view);
-  if (found == tracked_.end()) return;
-  found->second.isInside = isInside;
-  if (!held_) tell();
+  for (const auto& [view, area] : tracked_) states_.set(view, false);
+  states_.tell();
 }
 
 bool HoverTracker::isPointerAround(NSView* view) const {
@@ -109,39 +102,6 @@ bool HoverTracker::isPointerAround(NSView* view) const {
     if (watched.isInside && [view isDescendantOf:watched.area->view()]) return true;
   }
   return false;
-}
-
-void HoverTracker::tellSoon() {
-  if (std::exchange(scheduled_, true)) return;
-  later([weak = std::weak_ptr(self_)] {
-    const auto self = weak.lock();
-    if (!self) return;
-    (*self)->scheduled_ = false;
-    if (!(*self)->held_) (*self)->tell();
-  });
-}
-
-/// What is told may be the end of the tracker.
-void HoverTracker::tell() {
-  const std::weak_ptr<HoverTracker*> self = self_;
-  tellThose(false);
-  if (!self.expired()) tellThose(true);
-}
-
-/// An action may change the panel, and with it what is tracked.
-void HoverTracker::tellThose(bool areInside) {
-  const std::weak_ptr<HoverTracker*> self = self_;
-  std::vector<ViewId> views;
-  for (const auto& [view, tracked] : tracked_) {
-    if (tracked.isInside == areInside && tracked.toldInside != areInside) views.push_back(view);
-  }
-  for (const auto view : views) {
-    if (self.expired()) return;
-    const auto found = tracked_.find(view);
-    if (found == tracked_.end() || found->second.isInside != areInside) continue;
-    found->second.toldInside = areInside;
-    actions_.hover(view, areInside);
-  }
 }
 
 }  // namespace quillmont

@@ -7,6 +7,7 @@
 
 #include "platform/macos/Retained.h"
 #include "platform/view/NativeView.h"
+#include "platform/view/figures.h"
 
 namespace quillmont {
 
@@ -46,9 +47,6 @@ class MountedView {
 
  protected:
   /// How far it paints beyond its frame. Whoever answers something else now calls placeAgain().
-  struct Reach {
-    double left = 0, top = 0, right = 0, bottom = 0;
-  };
   virtual Reach reach() const { return {}; }
   void placeAgain() { place(frame_); }
 

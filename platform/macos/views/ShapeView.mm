@@ -1,6 +1,5 @@
 #include "platform/macos/views/ShapeView.h"
 
-#include <algorithm>
 #include <cmath>
 
 #include "platform/macos/views/shapes.h"
@@ -31,12 +30,6 @@
 @end
 
 namespace quillmont {
-namespace {
-
-/// Beyond so many of its radii nothing is left of a shadow.
-constexpr double kShadowReach = 3;
-
-}  // namespace
 
 void ShapeView::take(const NativeProperties& properties) {
   view_.get()->shape = contentOf<NativeShape>(properties);
@@ -51,15 +44,10 @@ void ShapeView::place(const Rect& frame) {
 }
 
 /// In whole points, so that its drawing begins at a pixel where its frame does.
-MountedView::Reach ShapeView::reach() const {
-  const auto& shape = view_.get()->shape;
-  const double line = shape.stroke ? std::ceil(shape.stroke->lineWidth / 2) : 0;
-  if (!shape.shadow) return {line, line, line, line};
-  const double blurred = kShadowReach * shape.shadow->radius;
-  const auto most = [line](double length) { return std::max(line, std::ceil(length)); };
-  const auto& offset = shape.shadow->offset;
-  return {most(blurred - offset.x), most(blurred - offset.y), most(blurred + offset.x),
-          most(blurred + offset.y)};
+Reach ShapeView::reach() const {
+  const auto exact = figureReach(view_.get()->shape);
+  return {std::ceil(exact.left), std::ceil(exact.top), std::ceil(exact.right),
+          std::ceil(exact.bottom)};
 }
 
 }  // namespace quillmont

@@ -2,10 +2,10 @@
 
 #include "platform/macos/served_modes.h"
 #include "platform/macos/views/theme.h"
+#include "platform/view/figures.h"
 
 namespace {
 
-constexpr double kWidth = 38, kHeight = 22;
 constexpr double kRim = 2;  ///< between the knob and the edge
 constexpr double kSlideSeconds = 0.14;
 constexpr double kFrameSeconds = 1.0 / 60;
@@ -34,7 +34,7 @@ void drawKnob(NSRect knob) {
 }
 
 - (NSSize)intrinsicContentSize {
-  return NSMakeSize(kWidth, kHeight);
+  return NSMakeSize(quillmont::kSwitchSize.width, quillmont::kSwitchSize.height);
 }
 
 - (id)accessibilityValue {

@@ -15,7 +15,7 @@
 namespace quillmont {
 
 /// Applies single changes. Between begin() and end() nothing is told to anybody, and the order for
-/// the keyboard and the names of buttons wait for the end. Main thread.
+/// the keyboard waits for the end. Main thread.
 class ViewTree {
  public:
   explicit ViewTree(ViewActions& actions);

@@ -4,13 +4,10 @@
 #include <utility>
 
 #include "platform/macos/views/mounted_view_kinds.h"
+#include "platform/view/native_properties.h"
 
 namespace quillmont {
 namespace {
-
-bool sameKind(const NativeProperties& left, const NativeProperties& right) {
-  return left.content.index() == right.content.index();
-}
 
 /// From one to the next, and from the last to the first.
 void chain(const std::vector<NSView*>& stops) {

@@ -13,6 +13,7 @@
 #include "platform/macos/views/ShapeView.h"
 #include "platform/macos/views/SwitchView.h"
 #include "platform/macos/views/SymbolView.h"
+#include "platform/view/native_properties.h"
 
 namespace quillmont {
 namespace {
@@ -43,34 +44,6 @@ struct Maker {
   }
 };
 
-template <class Content>
-bool is(const NativeProperties& properties) {
-  return std::holds_alternative<Content>(properties.content);
-}
-
-bool isFigure(const NativeProperties& properties) {
-  return is<NativeLabel>(properties) || is<NativeSymbol>(properties) || is<NativeShape>(properties);
-}
-
-bool isControl(const NativeProperties& properties) {
-  return is<NativeSwitch>(properties) || is<NativeCheckbox>(properties) ||
-         is<NativeSegments>(properties) || is<NativeButton>(properties);
-}
-
-/// Figures may lie in front of controls, as a card's outline does.
-bool letsMouseThrough(const NativeProperties& properties, bool inButton) {
-  if (properties.tracksHover || !properties.help.empty()) return false;
-  return isFigure(properties) || (inButton && is<NativeGroup>(properties));
-}
-
-std::string ownText(const NativeProperties& properties) {
-  if (const auto* const label = std::get_if<NativeLabel>(&properties.content)) return label->text;
-  if (const auto* const checkbox = std::get_if<NativeCheckbox>(&properties.content)) {
-    return checkbox->title;
-  }
-  return {};
-}
-
 void setToolTip(NSView* view, const std::string& help) {
   NSString* const next = help.empty() ? nil : foundationString(help);
   NSString* const now = [view toolTip];
@@ -85,7 +58,9 @@ void name(NSView* view, const NativeProperties& properties, bool inButton) {
   [view setAccessibilityLabel:label.empty() ? nil : foundationString(label)];
   const bool isToldTwice = properties.help == label || properties.help.empty();
   [view setAccessibilityHelp:isToldTwice ? nil : foundationString(properties.help)];
-  const bool isSomething = isControl(properties) || is<NativeLabel>(properties) || !label.empty();
+  const bool isSomething = isControl(properties) ||
+                           std::holds_alternative<NativeLabel>(properties.content) ||
+                           !label.empty();
   [view setAccessibilityElement:isSomething && !inButton];
 }
 

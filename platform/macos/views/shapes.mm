@@ -1,20 +1,13 @@
 #include "platform/macos/views/shapes.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "platform/macos/Retained.h"
 #include "platform/macos/views/theme.h"
+#include "platform/view/figures.h"
 
 namespace quillmont {
 namespace {
-
-/// How far from the corner a side begins to bend, in radii.
-constexpr double kBend = 1.42;
-
-/// Where a quarter of a circle with radius 1 is nearest to its corner, along each side, eight
-/// times: a curve of the third degree is there at an eighth of what its four points add up to.
-const double kDepth = 8 * (1 - std::sqrt(0.5));
 
 NSPoint sum(NSPoint point, NSPoint direction, double length) {
   return NSMakePoint(point.x + direction.x * length, point.y + direction.y * length);
@@ -38,20 +31,17 @@ void setShadow(const Shadow& shadow) {
 }  // namespace
 
 NSBezierPath* continuousRectangle(NSRect rect, double cornerRadius) {
-  const double most = std::min(rect.size.width, rect.size.height) / 2;
-  const double radius = std::clamp(cornerRadius, 0.0, std::max(0.0, most));
-  const double bend = std::min(kBend * radius, most);
-  const double hold = (kDepth * radius - bend) / 3;
+  const auto curve = continuousCorner({rect.size.width, rect.size.height}, cornerRadius);
   const NSPoint right = NSMakePoint(1, 0), down = NSMakePoint(0, 1);
   const NSPoint left = NSMakePoint(-1, 0), up = NSMakePoint(0, -1);
   NSBezierPath* const path = [NSBezierPath bezierPath];
-  [path moveToPoint:sum(rect.origin, down, bend)];
+  [path moveToPoint:sum(rect.origin, down, curve.bend)];
   const auto corner = [&](double x, double y, NSPoint from, NSPoint to) {
     const NSPoint at = NSMakePoint(x, y);
-    [path lineToPoint:sum(at, from, bend)];
-    [path curveToPoint:sum(at, to, bend)
-         controlPoint1:sum(at, from, hold)
-         controlPoint2:sum(at, to, hold)];
+    [path lineToPoint:sum(at, from, curve.bend)];
+    [path curveToPoint:sum(at, to, curve.bend)
+         controlPoint1:sum(at, from, curve.hold)
+         controlPoint2:sum(at, to, curve.hold)];
   };
   corner(NSMinX(rect), NSMinY(rect), down, right);
   corner(NSMaxX(rect), NSMinY(rect), left, down);

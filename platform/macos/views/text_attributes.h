@@ -15,10 +15,6 @@ NSFont* fontFor(const Font& font);
 
 NSFontWeight fontWeight(FontWeight weight);
 
-/// From one line of a text to the next. Letters that the system's font has to borrow from another
-/// one do not change it.
-double lineHeight(const Font& font);
-
 /// The text as a label shows it; autoreleased.
 NSAttributedString* attributedText(const NativeLabel& label);
 

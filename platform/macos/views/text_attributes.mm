@@ -1,7 +1,5 @@
 #include "platform/macos/views/text_attributes.h"
 
-#include <cmath>
-
 #include "platform/macos/Retained.h"
 #include "platform/macos/strings.h"
 #include "platform/macos/views/theme.h"
@@ -39,10 +37,6 @@ NSFontWeight fontWeight(FontWeight weight) {
 
 NSFont* fontFor(const Font& font) {
   return [NSFont systemFontOfSize:font.size weight:fontWeight(font.weight)];
-}
-
-double lineHeight(const Font& font) {
-  return std::ceil(1.22 * font.size);
 }
 
 NSAttributedString* attributedText(const NativeLabel& label) {
