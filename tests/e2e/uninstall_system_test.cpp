@@ -191,7 +191,8 @@ class UninstallOnAMac : public UninstallOnAnotherSystem {
     // As there: number and path of the program, and nothing of other users.
     putTool(root + "/ps",
             "for process in /proc/[0-9]*; do\n  [ -O $process ] || continue\n"
-            "  printf '%7s %s\\n' ${process#/proc/} \"$(readlink $process/exe)\"\ndone\n");
+            "  printf '%7s %s\\n' ${process#/proc/} "
+            "\"$(tr '\\0' '\\n' <$process/cmdline | head -n 1)\"\ndone\n");
     putTool(root + "/sbin/defaults", record + "rm \"$HOME/Library/Preferences/$2.plist\"\n");
     putTool(root + "/sbin/launchctl", record + "[ \"$1\" != bootout ] || exit 3\n");
   }
