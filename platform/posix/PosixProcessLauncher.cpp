@@ -104,6 +104,13 @@ class SpawnPlan {
     flags_ |= POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
   }
 
+  /// Service managers end what is left of a program's group when the program has ended: not before
+  /// the uninstall script has done its work.
+  void leaveProcessGroup() {
+    note(posix_spawnattr_setpgroup(&attributes_, 0));
+    flags_ |= POSIX_SPAWN_SETPGROUP;
+  }
+
   /// Also those descriptors that the program itself was given by whoever started it. To be called
   /// after redirect().
   void closeOtherDescriptors() {
@@ -262,6 +269,7 @@ Result<std::unique_ptr<ChildProcess>> PosixProcessLauncher::launch(const Command
   plan.redirect(output.write, STDOUT_FILENO);
   plan.redirect(error.write, STDERR_FILENO);
   plan.resetSignals();
+  plan.leaveProcessGroup();
   plan.closeOtherDescriptors();
   pid_t pid = 0;
   failure = plan.start(pid, arguments, environment_);

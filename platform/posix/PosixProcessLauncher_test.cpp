@@ -216,6 +216,10 @@ TEST_F(PosixProcessLauncherTest, ChildStartsWithNoSignalBlockedOrIgnored) {
   EXPECT_EQ(std::stoull(status.substr(ignored + 8), nullptr, 16) & ~kItsOwn, 0u);
 }
 
+TEST_F(PosixProcessLauncherTest, ChildIsInAProcessGroupOfItsOwn) {
+  EXPECT_EQ(run(shell({"kill -0 -$$ && exit 7"})).status, 7) << "there is no such group";
+}
+
 TEST_F(PosixProcessLauncherTest, DroppedChildRunsOnAndIsNoZombieAfterTheNextLaunch) {
   const TemporaryFolder folder;
   const auto mark = folder.path() + "/mark";
