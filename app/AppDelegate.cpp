@@ -40,6 +40,7 @@ void AppDelegate::applicationDidFinishLaunching() {
 void AppDelegate::applicationWillTerminate() {
   singletons_.daemon().waitForPendingEjects();
   singletons_.daemon().stop();
+  singletons_.daemon().finishCleanUp();
 }
 
 void AppDelegate::togglePopover(Sender sender) {

@@ -114,6 +114,18 @@ TEST_F(Launch, TerminationWaitsForAnEjectionThenStopsTheMonitor) {
   EXPECT_EQ(system.runLoop.scheduledTimers(), 0u);
 }
 
+TEST_F(Launch, TerminationFinishesTheCleanUpOfADeletedProgram) {
+  delegate->applicationDidFinishLaunching();
+  system.files.folders.clear();
+  system.processes.tools["/bin/bash"] = [&](const Command&) {
+    delegate->applicationWillTerminate();
+    EXPECT_THAT(system.defaults.removedDomains, ElementsAre("com.norwaldex.Quillmont"));
+    return testing::ToolRun{};
+  };
+  system.settle();
+  EXPECT_EQ(system.processes.launchesOf("/bin/bash").size(), 1u);
+}
+
 /// After the launch, with an item in the status bar.
 class StatusItemAndPanel : public Launch {
  protected:

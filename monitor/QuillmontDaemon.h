@@ -2,6 +2,7 @@
 // those that have been idle for the user's timeout.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -72,6 +73,11 @@ class QuillmontDaemon : public ObservableObject,
   /// new ones. Main thread. Due before the last owner lets go: the monitor may then be destroyed
   /// on its own queue, where a running timer must not be touched.
   virtual void stop();
+
+  /// Deletes the login item and the settings if a cycle has begun to, having found the program
+  /// moved to the Trash or deleted: unloading the login item may be what ends the process, in the
+  /// middle of that cycle. Main thread, while the application terminates.
+  void finishCleanUp();
 
  protected:
   QuillmontDaemon(const Host& host, ConfigManager& config);
@@ -149,6 +155,7 @@ class QuillmontDaemon : public ObservableObject,
   std::int64_t activeEjectCount_ = 0;
   std::mutex ejectLock_;
   std::unique_ptr<Timer> uiTimer_;
+  std::atomic<bool> isCleaningUp_ = false;
   const std::vector<std::string> ignoredPrefixes_;
 };
 

@@ -51,10 +51,17 @@ bool QuillmontDaemon::cleanUpIfUninstalled() {
   host_.log.write(std::string("Quillmont has been moved to Trash or deleted (isTrash: ") +
                   boolText(isTrash) + ", exists: " + boolText(exists) +
                   "). Cleaning up LaunchAgent and exiting...");
+  isCleaningUp_ = true;
   ConfigManager::cleanLaunchAgent(host_);
   host_.defaults.removePersistentDomain(kBundleIdentifier);
   host_.mainRunLoop.async([&application = host_.application] { application.terminate(); });
   return true;
+}
+
+void QuillmontDaemon::finishCleanUp() {
+  if (!isCleaningUp_) return;
+  ConfigManager::deleteLaunchAgent(host_);
+  host_.defaults.removePersistentDomain(kBundleIdentifier);
 }
 
 QuillmontDaemon::ImageTimes QuillmontDaemon::copyTimes() {

@@ -288,6 +288,30 @@ TEST_F(DeletedProgram, FolderWhoseNameOnlyEndsInTrashDoesNotCount) {
   EXPECT_EQ(images.scans, 1);
 }
 
+TEST_F(DeletedProgram, ATerminationInTheMiddleFinishesTheCleanUp) {
+  system.files.folders.clear();
+  const std::string agent = "/Users/user/Library/LaunchAgents/com.norwaldex.quillmont.plist";
+  system.files.files[agent] = "agent";
+  bool wasFinished = false;
+  // Unloading the login item ends the program that it has started.
+  system.processes.tools["/bin/bash"] = [&](const Command&) {
+    monitor_->finishCleanUp();
+    wasFinished = system.files.files.empty() && system.defaults.removedDomains.size() == 1;
+    return testing::ToolRun{};
+  };
+  start();
+  EXPECT_TRUE(wasFinished);
+}
+
+TEST_F(DeletedProgram, ATerminationOfAProgramThatIsStillThereDeletesNothing) {
+  const std::string agent = "/Users/user/Library/LaunchAgents/com.norwaldex.quillmont.plist";
+  system.files.files[agent] = "agent";
+  start();
+  monitor_->finishCleanUp();
+  EXPECT_EQ(system.files.files.count(agent), 1u);
+  EXPECT_THAT(system.defaults.removedDomains, IsEmpty());
+}
+
 TEST_F(DeletedProgram, EveryFurtherCycleRepeatsTheCleanUp) {
   system.files.folders.clear();
   start().tick();

@@ -76,6 +76,9 @@ class ConfigManager : public ObservableObject {
   /// service manager's tool runs. Any thread.
   static void cleanLaunchAgent(const Host& host);
 
+  /// The second half of that alone: the agent stays loaded until the user logs out. Any thread.
+  static void deleteLaunchAgent(const Host& host);
+
  private:
   const Host host_;
 

@@ -85,4 +85,8 @@ void ConfigManager::cleanLaunchAgent(const Host& host) {
   unloadAgentAndDelete(host, agentPathIn(agentsFolder(host)));
 }
 
+void ConfigManager::deleteLaunchAgent(const Host& host) {
+  static_cast<void>(host.files.remove(agentPathIn(agentsFolder(host))));
+}
+
 }  // namespace quillmont
