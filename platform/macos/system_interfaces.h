@@ -12,8 +12,8 @@ inline constexpr SystemInterface kSystemInterfaces[] = {
      "-window"},
     {"NSAppearance", "-performAsCurrentDrawingAppearance:"},
     {"NSApplication",
-     "+sharedApplication -activateIgnoringOtherApps: -activationPolicy -currentEvent "
-     "-modalWindow -run -setActivationPolicy: -setDelegate: -terminate:"},
+     "+sharedApplication -activateIgnoringOtherApps: -activationPolicy -currentEvent -hide: "
+     "-isActive -keyWindow -modalWindow -run -setActivationPolicy: -setDelegate: -terminate:"},
     {"NSArray",
      "+array +arrayWithObjects:count: -containsObject: -count "
      "-countByEnumeratingWithState:objects:count:"},

@@ -172,10 +172,20 @@ static BOOL isWithin(NSWindow* window, NSPopover* popover) {
   return NO;
 }
 
-@implementation NSApplication (QMCompatTransience)
+static void exchange(Class changed, SEL first, SEL second) {
+  method_exchangeImplementations(class_getInstanceMethod(changed, first),
+                                 class_getInstanceMethod(changed, second));
+}
+
+@implementation NSApplication (QMCompatPopovers)
 + (void)load {
-  method_exchangeImplementations(class_getInstanceMethod(self, @selector(sendEvent:)),
-                                 class_getInstanceMethod(self, @selector(qmSendEvent:)));
+  exchange(self, @selector(sendEvent:), @selector(qmSendEvent:));
+  exchange(self, @selector(hide:), @selector(qmHide:));
+}
+/// GNUstep hides windows alone: the program stays the active one.
+- (void)qmHide:(id)sender {
+  [self qmHide:sender];
+  [self deactivate];
 }
 - (void)qmSendEvent:(NSEvent*)event {
   if ([event type] == NSLeftMouseDown || [event type] == NSRightMouseDown) {

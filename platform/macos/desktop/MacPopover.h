@@ -9,8 +9,8 @@
 
 namespace quillmont {
 
-/// It has the size of its content's own layout. While it is shown it has the keyboard; Escape
-/// closes a transient one. Main thread.
+/// It has the size of its content's own layout. While it is shown it has the keyboard, which
+/// then goes back to the program that had it; Escape closes a transient one. Main thread.
 class MacPopover : public Popover {
  public:
   /// `onClosing` is told when it begins to close, whoever closes it.

@@ -7,10 +7,11 @@
 #include "platform/macos/Retained.h"
 #include "platform/macos/desktop/MacStatusItem.h"
 #include "platform/macos/desktop/Panel.h"
+#include "platform/macos/desktop/keyboard.h"
 
 @interface QMPopoverDelegate : NSObject <NSPopoverDelegate> {
  @public
-  std::function<void()> willClose_;
+  std::function<void()> willClose_, didClose_;
 }
 @end
 
@@ -20,6 +21,12 @@
   (void)notification;
   const auto willClose = willClose_;
   willClose();
+}
+
+- (void)popoverDidClose:(NSNotification*)notification {
+  (void)notification;
+  const auto didClose = didClose_;
+  didClose();
 }
 
 @end
@@ -62,6 +69,7 @@ class MacPopover::Native : public std::enable_shared_from_this<Native> {
     delegate_.get()->willClose_ = [weak = weak_from_this()] {
       if (const auto self = weak.lock()) self->willClose();
     };
+    delegate_.get()->didClose_ = giveKeyboardBack;
     [popover_ setDelegate:delegate_];
   }
 

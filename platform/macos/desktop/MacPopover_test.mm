@@ -8,10 +8,13 @@
 #include "platform/macos/strings.h"
 #include "platform/view/View.h"
 #include "tests/support/ManualTime.h"
+#include "tests/support/Turns.h"
 #include "tests/support/accessory_application.h"
 
 namespace quillmont {
 namespace {
+
+using testing::Turns;
 
 struct Model : ObservableObject {
   double width = 0;
@@ -163,6 +166,20 @@ TEST(MacPopover, HasTheKeyboardWhileItIsShown) {
     f.show();
     EXPECT_TRUE([[f.panel() window] isKeyWindow]);
     EXPECT_EQ([[f.panel() window] firstResponder], f.panel());
+  }
+}
+
+TEST(MacPopover, GivesTheKeyboardBackToTheProgramThatHadIt) {
+  @autoreleasepool {
+    Fixture f;
+    f.fill(240, 160);
+    for (int round = 1; round <= 2; ++round) {
+      f.show();
+      EXPECT_TRUE(Turns::turnUntil([] { return [NSApp isActive]; }));
+      EXPECT_TRUE([[f.panel() window] isVisible]);
+      f.popover.performClose(nullptr);
+      EXPECT_TRUE(Turns::turnUntil([] { return ![NSApp isActive]; })) << round;
+    }
   }
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "platform/macos/Retained.h"
+#include "platform/macos/desktop/keyboard.h"
 #include "platform/macos/strings.h"
 
 namespace quillmont {
@@ -50,7 +51,9 @@ std::int64_t runAlertDialog(const Alert& alert) {
     [(NSWindow*)[dialog window] setPreventsApplicationTerminationWhenModal:NO];
     // Else it may come up behind the windows of the program in front.
     [NSApp activateIgnoringOtherApps:YES];
+    const auto before = share([NSApp keyWindow]);
     const NSInteger answer = [dialog runModal];
+    if (![before isVisible]) giveKeyboardBack();
     return answer >= NSAlertFirstButtonReturn
                ? kAlertFirstButtonReturn + (answer - NSAlertFirstButtonReturn)
                : kAlertAborted;

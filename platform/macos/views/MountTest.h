@@ -14,11 +14,12 @@
 #include "platform/macos/views/AppKitMount.h"
 #include "platform/macos/views/mounted_views.h"
 #include "tests/support/HandmadeViewsTest.h"
+#include "tests/support/Turns.h"
 
 namespace quillmont::testing {
 
 /// On a window of its own, away from where the pointer is at first.
-class MountTest : public HandmadeViewsTest {
+class MountTest : public HandmadeViewsTest, protected Turns {
  protected:
   MountTest() {
     [window setReleasedWhenClosed:NO];
@@ -61,33 +62,6 @@ class MountTest : public HandmadeViewsTest {
   NSRect looks(ViewId id) {
     NSView* const seen = view(id);
     return [seen convertRect:[seen alignmentRectForFrame:[seen bounds]] toView:panelView(*mount)];
-  }
-
-  /// The run loop turns until there is nothing that it has to do now.
-  static void turn() {
-    @autoreleasepool {
-      for (int i = 0; i < 3; ++i) {
-        NSEvent* event = nil;
-        while ((event = [NSApp nextEventMatchingMask:NSEventMaskAny
-                                           untilDate:[NSDate date]
-                                              inMode:NSDefaultRunLoopMode
-                                             dequeue:YES]) != nil) {
-          [NSApp sendEvent:event];
-        }
-        [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode beforeDate:[NSDate date]];
-      }
-    }
-  }
-
-  /// Until `condition` holds, but not for ever.
-  template <class Condition>
-  static bool turnUntil(Condition condition) {
-    NSDate* const end = [NSDate dateWithTimeIntervalSinceNow:5];
-    while (!condition()) {
-      if ([end timeIntervalSinceNow] < 0) return false;
-      turn();
-    }
-    return true;
   }
 
   /// What happens at a point of the panel goes to what the panel has there.

@@ -50,6 +50,7 @@ static const CGFloat NSSquareStatusItemLength = -2.0;
 - (NSApplicationActivationPolicy)activationPolicy;
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy;
 - (void)activateIgnoringOtherApps:(BOOL)ignoreOthers;
+- (void)hide:(nullable id)sender;
 - (void)finishLaunching;
 - (void)run;
 - (void)stop:(nullable id)sender;
