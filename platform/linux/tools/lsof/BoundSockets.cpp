@@ -62,9 +62,12 @@ bool isBoundOn(const VolumeIdentity& volume, const char* attributes, std::size_t
   return false;
 }
 
-/// Adds the sockets that a datagram of the answer tells; false once the answer has ended.
-bool collect(const char* bytes, std::size_t size, const VolumeIdentity& volume,
-             std::vector<std::uint64_t>& inodes) {
+}  // namespace
+
+bool collectBoundSockets(std::string_view datagram, const VolumeIdentity& volume,
+                         std::vector<std::uint64_t>& inodes) {
+  const char* bytes = datagram.data();
+  std::size_t size = datagram.size();
   nlmsghdr header;
   for (const char* record = bytes; takeRecord(bytes, size, header, &nlmsghdr::nlmsg_len);
        record = bytes) {
@@ -80,8 +83,6 @@ bool collect(const char* bytes, std::size_t size, const VolumeIdentity& volume,
   return true;
 }
 
-}  // namespace
-
 BoundSockets BoundSockets::onVolume(const VolumeIdentity& volume) {
   BoundSockets sockets;
   const Descriptor netlink(socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_SOCK_DIAG));
@@ -94,8 +95,8 @@ BoundSockets BoundSockets::onVolume(const VolumeIdentity& volume) {
   std::array<char, 32768> answer;
   for (bool more = true; more;) {
     const auto count = recv(netlink.get(), answer.data(), answer.size(), 0);
-    more = count > 0 &&
-           collect(answer.data(), static_cast<std::size_t>(count), volume, sockets.inodes_);
+    more = count > 0 && collectBoundSockets({answer.data(), static_cast<std::size_t>(count)},
+                                            volume, sockets.inodes_);
   }
   std::sort(sockets.inodes_.begin(), sockets.inodes_.end());
   return sockets;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 #include "platform/linux/tools/lsof/VolumeIdentity.h"
@@ -22,5 +23,10 @@ class BoundSockets {
   std::uint64_t device_ = 0;  ///< of all sockets
   std::vector<std::uint64_t> inodes_;
 };
+
+/// Adds to `inodes` the sockets bound on `volume` that one datagram of the kernel's answer tells.
+/// False once the answer has ended.
+bool collectBoundSockets(std::string_view datagram, const VolumeIdentity& volume,
+                         std::vector<std::uint64_t>& inodes);
 
 }  // namespace quillmont
