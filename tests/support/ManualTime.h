@@ -63,12 +63,18 @@ class ManualRunLoop : public RunLoop {
     return count;
   }
 
+  /// Runs one task; false if there is none.
+  bool runTask() {
+    if (tasks_.empty()) return false;
+    const auto task = std::move(tasks_.front());
+    tasks_.pop_front();
+    task();
+    return true;
+  }
+
   /// Runs every task that is pending, and those that they add.
   void runTasks() {
-    while (!tasks_.empty()) {
-      const auto task = std::move(tasks_.front());
-      tasks_.pop_front();
-      task();
+    while (runTask()) {
     }
   }
 
