@@ -83,6 +83,26 @@ TEST(Host, ChildrenFindItsToolsFirst) {
             0);
 }
 
+TEST(Host, RuntimeFolderThatIsOpenToOthersLendsNoTools) {
+  const testing::TemporaryFolder home;
+  EXPECT_EQ(forked([&] {
+              moveHome(home.path());
+              const auto runtime = home.path() + "/com.norwaldex.Quillmont";
+              fs::create_directories(runtime + "/bin");
+              fs::permissions(runtime, fs::perms(0777));
+              const Host& host = Host::current();
+              auto child = host.processes.launch(
+                  {host.tools.shell, {"-c", "echo -n \"$PATH\""}, ChildOutput::pipe});
+              ASSERT_TRUE(child);
+              EXPECT_EQ((*child)->waitUntilExit(), 0);
+              EXPECT_EQ((*child)->readStandardOutput(),
+                        host.bundle.path() +
+                            "/Contents/libexec:/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:"
+                            "/sbin:/bin");
+            }),
+            0);
+}
+
 TEST(Host, WorkGoesToTheQueueAndBackToTheMainThread) {
   const testing::TemporaryFolder home;
   EXPECT_EQ(forked([&] {
