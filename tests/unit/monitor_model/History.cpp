@@ -40,7 +40,8 @@ constexpr std::array kInside = {
     Weight{Kind::attach, 3},      Weight{Kind::vanish, 2},      Weight{Kind::use, 3},
     Weight{Kind::exclude, 2},     Weight{Kind::include, 1},     Weight{Kind::enable, 1},
     Weight{Kind::setTimeout, 2},  Weight{Kind::volumeEvent, 2}, Weight{Kind::ejectByUser, 2},
-    Weight{Kind::detachments, 1}, Weight{Kind::quit, 1},        Weight{Kind::retouch, 1}};
+    Weight{Kind::detachments, 1}, Weight{Kind::quit, 1},        Weight{Kind::retouch, 1},
+    Weight{Kind::letGo, 1}};
 // What belongs to the end of a life.
 constexpr std::array kEndings = {Kind::moveProgram, Kind::moveProgram, Kind::quit, Kind::letGo};
 
@@ -103,13 +104,40 @@ Step stepOf(Kind kind, Dice& dice) {
   return step;
 }
 
-const char* nameOf(Kind kind) {
-  static constexpr std::array kNames = {
-      "attach",      "vanish",      "use",         "retouch",    "failScans",   "failChecks",
-      "detachments", "muteNotices", "moveProgram", "jumpClock",  "passTime",    "runMain",
-      "exclude",     "include",     "enable",      "setTimeout", "volumeEvent", "ejectByUser",
-      "restart",     "quit",        "letGo",       "runQueue",   "settle",      "meanwhile"};
-  return kNames[static_cast<std::size_t>(kind)];
+/// What a step is called, and which of its values mean something.
+struct Wording {
+  const char* name;
+  bool image = false;
+  bool variant = false;
+  bool amount = false;
+};
+
+const Wording& wordingOf(Kind kind) {
+  static constexpr std::array kWordings = {Wording{"attach", true, false, true},
+                                           Wording{"vanish", true},
+                                           Wording{"use", true, true},
+                                           Wording{"retouch", true, true, true},
+                                           Wording{"failScans", false, true, true},
+                                           Wording{"failChecks", false, true, true},
+                                           Wording{"detachments", false, true, true},
+                                           Wording{"muteNotices", false, true},
+                                           Wording{"moveProgram", false, true},
+                                           Wording{"jumpClock", false, false, true},
+                                           Wording{"passTime", false, false, true},
+                                           Wording{"runMain"},
+                                           Wording{"exclude", true},
+                                           Wording{"include", true},
+                                           Wording{"enable", false, true},
+                                           Wording{"setTimeout", false, false, true},
+                                           Wording{"volumeEvent", false, true},
+                                           Wording{"ejectByUser", true},
+                                           Wording{"restart"},
+                                           Wording{"quit"},
+                                           Wording{"letGo"},
+                                           Wording{"runQueue"},
+                                           Wording{"settle"},
+                                           Wording{"meanwhile", false, true}};
+  return kWordings[static_cast<std::size_t>(kind)];
 }
 
 }  // namespace
@@ -134,9 +162,15 @@ History randomHistory(unsigned seed) {
 }
 
 std::string textOf(const Step& step) {
+  const auto& wording = wordingOf(step.kind);
   std::ostringstream text;
-  text << nameOf(step.kind) << " which=" << step.which << " variant=" << step.variant
-       << " amount=" << step.amount;
+  text << wording.name;
+  if (wording.image) {
+    const auto& image = catalogue().at(static_cast<std::size_t>(step.which));
+    text << " " << image.imagePath << " at " << image.mountPoint;
+  }
+  if (wording.variant) text << ", variant " << step.variant;
+  if (wording.amount) text << ", " << step.amount;
   for (const auto& inner : step.inner) text << "\n       while it runs: " << textOf(inner);
   return text.str();
 }

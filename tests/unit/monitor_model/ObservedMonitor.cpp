@@ -83,9 +83,13 @@ void ObservedMonitor::act(const Step& step) {
       system_.settle();
       return;
     default:
-      break;
+      if (!world_.take(step, system_.clock.now())) actOnMainThread(step);
+      showWorld();
   }
-  if (!world_.take(step, system_.clock.now())) actOnMainThread(step);
+}
+
+/// What the fakes answer by themselves follows the world.
+void ObservedMonitor::showWorld() {
   images_.attached = world_.attached;
   system_.files.nodes = world_.nodes;
   const bool trashed = world_.program == ProgramPlace::trashed;

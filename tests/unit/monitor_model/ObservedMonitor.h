@@ -29,6 +29,7 @@ class ObservedMonitor : private ApplicationDelegate {
   void setUpTools();
   void observe();
   void actOnMainThread(const Step& step);
+  void showWorld();
   void quit();
   void write(std::string what, const std::vector<DiskImage>& images = {});
   void catchUp();

@@ -41,11 +41,12 @@ constexpr std::array kDetachings = {Detaching::works,      Detaching::works,
 }  // namespace
 
 bool World::take(const Step& step, TimePoint now) {
+  return changeImage(step, now) || changeSurroundings(step);
+}
+
+bool World::changeImage(const Step& step, TimePoint now) {
   const auto& entry = catalogue().at(static_cast<std::size_t>(step.which));
   auto* const image = find(entry);
-  const auto fault = [&] {
-    return Fault{static_cast<int>(step.amount), static_cast<Answer>(1 + step.variant % 3)};
-  };
   switch (step.kind) {
     case Kind::attach:
       if (!image) attach(entry, now - seconds(step.amount));
@@ -59,21 +60,30 @@ bool World::take(const Step& step, TimePoint now) {
     case Kind::retouch:
       if (image) retouch(image->devEntry, step.variant, now - seconds(step.amount));
       return true;
+    default:
+      return false;
+  }
+}
+
+bool World::changeSurroundings(const Step& step) {
+  const auto variant = static_cast<std::size_t>(step.variant);
+  const Fault fault{static_cast<int>(step.amount), static_cast<Answer>(1 + variant % 3)};
+  switch (step.kind) {
     case Kind::failScans:
-      scans_ = fault();
+      scans_ = fault;
       return true;
     case Kind::failChecks:
-      checks_ = fault();
+      checks_ = fault;
       return true;
     case Kind::detachments:
-      detaching_ = kDetachings[static_cast<std::size_t>(step.variant) % kDetachings.size()];
+      detaching_ = kDetachings[variant % kDetachings.size()];
       detachNumber_ = static_cast<int>(step.amount);
       return true;
     case Kind::muteNotices:
-      noticesAreMute = step.variant % 2 != 0;
+      noticesAreMute = variant % 2 != 0;
       return true;
     case Kind::moveProgram:
-      program = static_cast<ProgramPlace>(step.variant % 3);
+      program = static_cast<ProgramPlace>(variant % 3);
       return true;
     case Kind::meanwhile:
       interruptions_.push_back({step.variant, step.inner});

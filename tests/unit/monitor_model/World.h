@@ -71,6 +71,8 @@ class World {
     int scansLeft;
   };
 
+  bool changeImage(const Step& step, TimePoint now);
+  bool changeSurroundings(const Step& step);
   void attach(const CatalogueEntry& entry, TimePoint touched);
   void remove(const std::string& mountPoint);
   FakeDiskImages::Image* find(const CatalogueEntry& entry);
