@@ -21,9 +21,9 @@ bool isUsable(const std::string& name) {
 void checkDevice(const LoopDevice& loop, const std::string& backingFile,
                  const std::string& sysBlock) {
   require(loop.backingFile.starts_with('/'), "a backing file is an absolute path");
-  require(backingFile.starts_with(loop.backingFile), "its path is the kernel's");
-  require(!loop.deleted || backingFile.substr(loop.backingFile.size()).starts_with(" (deleted)"),
-          "a deleted file has the kernel's mark");
+  const std::string told = loop.backingFile + (loop.deleted ? " (deleted)" : "");
+  require(backingFile == told + (backingFile.ends_with('\n') ? "\n" : ""),
+          "the kernel tells the path, a mark for a deleted file, and a line feed");
   const auto state = loopState("loop3", sysBlock);
   require(state.backingFile == loop.backingFile, "both readers see one file");
   require(state.sequence.value_or(0) == loop.sequence, "both readers see one sequence");

@@ -16,6 +16,7 @@ namespace quillmont::testing {
 namespace {
 
 constexpr std::size_t kLongestLine = 16384;
+constexpr std::size_t kSeveralPieces = 100'000;
 
 std::optional<MapLine> checkedLine(std::string_view line) {
   const auto file = parseMapLine(line);
@@ -33,13 +34,21 @@ Descriptor fileWith(std::string_view bytes) {
   return file;
 }
 
+/// `bytes` again and again, so that a table comes in several pieces, cut anywhere.
+std::string repeated(std::string_view bytes) {
+  std::string text(bytes);
+  while (!bytes.empty() && text.size() < kSeveralPieces) text += bytes;
+  return text;
+}
+
 }  // namespace
 
 void tryInput(std::string_view input) {
+  const auto text = repeated(input);
   VolumeIdentity volume;
   std::size_t expected = 0;
   bool ordinary = true;
-  for (auto rest = input; !rest.empty();) {
+  for (std::string_view rest = text; !rest.empty();) {
     const bool ended = rest.find('\n') != rest.npos;
     const auto line = takePart(rest, '\n');
     ordinary = ordinary && line.size() < kLongestLine;
@@ -48,7 +57,7 @@ void tryInput(std::string_view input) {
     if (file && volume.devices.empty()) volume.devices.push_back(file->device);
     if (file && ended && volume.hasDevice(file->device)) ++expected;
   }
-  const auto table = fileWith(input);
+  const auto table = fileWith(text);
   const auto files = mappedFilesByText(table.get(), volume);
   require(!ordinary || files.size() == expected, "pieces of the table make up its lines");
   for (const auto& file : files) require(volume.hasDevice(file.device), "a file is the volume's");

@@ -39,9 +39,20 @@ void checkMount(const Mount& mount) {
   require(again.size() == 1 && again.front() == mount, "a mount that is written out is read again");
 }
 
+/// A mount whose names are the parts of `bytes`.
+void checkNames(std::string_view bytes) {
+  Mount mount{.id = 40, .parentId = 22, .deviceMajor = 7, .deviceMinor = 1};
+  mount.mountPoint = "/" + std::string(takePart(bytes, '\n'));
+  mount.root = "/" + std::string(takePart(bytes, '\n'));
+  mount.source = takePart(bytes, '\n');
+  mount.type = bytes;
+  checkMount(mount);
+}
+
 }  // namespace
 
 void tryInput(std::string_view input) {
+  checkNames(input);
   const auto mounts = parseMountTable(input);
   const auto lines = static_cast<std::size_t>(std::count(input.begin(), input.end(), '\n')) + 1;
   require(mounts.size() <= lines, "a line is one mount at most");

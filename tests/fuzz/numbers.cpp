@@ -52,6 +52,16 @@ void checkWritten(double value) {
   require(back && isSame(*back->as<double>(), value), "a real that is written is read again");
 }
 
+void checkWritten(std::uint64_t bits) {
+  const auto number = static_cast<std::int64_t>(bits);
+  require(integerOf(std::to_string(number)) == PropertyList(number),
+          "an integer that is written is read again");
+  const auto back = integerOf(std::to_string(bits));
+  const bool large = bits >> 63 != 0;
+  require(back && (large ? *back == PropertyList(bits) : *back == PropertyList(number)),
+          "a large integer that is written is read again");
+}
+
 }  // namespace
 
 void tryInput(std::string_view input) {
@@ -61,6 +71,7 @@ void tryInput(std::string_view input) {
   double value = 0;
   std::memcpy(&value, input.data(), std::min(sizeof value, input.size()));
   checkWritten(value);
+  checkWritten(std::bit_cast<std::uint64_t>(value));
 }
 
 }  // namespace quillmont::testing
