@@ -73,6 +73,7 @@ void tryInput(std::string_view input) {
   const auto ghosts = livingGhosts(machine.sys.path());
   require(ghosts.size() <= 1, "a record is one ghost at most");
   require(livingGhosts(machine.sys.path()) == ghosts, "looking changes nothing");
+  require(ghosts.empty() || input.find("boot=@") != input.npos, "a ghost is of this boot");
   for (const auto& ghost : ghosts) checkGhost(ghost, machine);
 }
 

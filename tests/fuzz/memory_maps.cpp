@@ -16,7 +16,7 @@ namespace quillmont::testing {
 namespace {
 
 constexpr std::size_t kLongestLine = 16384;
-constexpr std::size_t kSeveralPieces = 100'000;
+constexpr std::size_t kMoreThanAPiece = 40'000;
 
 std::optional<MapLine> checkedLine(std::string_view line) {
   const auto file = parseMapLine(line);
@@ -34,10 +34,10 @@ Descriptor fileWith(std::string_view bytes) {
   return file;
 }
 
-/// `bytes` again and again, so that a table comes in several pieces, cut anywhere.
+/// `bytes` again and again, so that a table comes in more than one piece, cut anywhere.
 std::string repeated(std::string_view bytes) {
   std::string text(bytes);
-  while (!bytes.empty() && text.size() < kSeveralPieces) text += bytes;
+  while (!bytes.empty() && text.size() < kMoreThanAPiece) text += bytes;
   return text;
 }
 
