@@ -1,0 +1,28 @@
+#include "tests/support/own_volumes.h"
+
+#include <sys/mount.h>
+
+#include "platform/linux/image_devices.h"
+#include "platform/linux/mount_table.h"
+#include "tests/support/forked.h"
+
+namespace quillmont::testing {
+
+std::string enterOwnVolumes() {
+  if (!enterOwnMountTable()) return "there can be no mounts of our own";
+  dropVolumesExcept("");
+  if (mount("memory", "/media", "tmpfs", MS_NOSUID, "mode=755") != 0) return "there is no /media";
+  return "";
+}
+
+void dropVolumesExcept(const std::string& kept) {
+  const auto mounts = readMountTable();
+  if (!mounts) return;
+  const auto volumes = imageMounts(*mounts);
+  for (auto volume = volumes.rbegin(); volume != volumes.rend(); ++volume) {
+    const auto& place = volume->mount.mountPoint;
+    if (place != kept) umount2(place.c_str(), MNT_DETACH | UMOUNT_NOFOLLOW);
+  }
+}
+
+}  // namespace quillmont::testing
