@@ -1,0 +1,94 @@
+#include "tests/soak/Vitals.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+namespace quillmont::testing {
+namespace {
+
+constexpr std::chrono::seconds kUnburied(5 * kSlowness);
+constexpr long kMoreDescriptors = 2;
+// A sanitizer keeps freed memory for a while.
+constexpr long kMoreKibibytes = kSlowness == 1 ? 8 * 1024 : 256 * 1024;
+
+/// A number of /proc/PID/status; 0 once the process is gone.
+long statusOf(const std::string& process, const std::string& name) {
+  std::ifstream status(process + "/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.starts_with(name + ":")) return std::stol(line.substr(name.size() + 1));
+  }
+  return 0;
+}
+
+long entriesOf(const std::string& folder) {
+  std::error_code gone;
+  const std::filesystem::directory_iterator entries(folder, gone);
+  return gone ? 0 : std::distance(begin(entries), end(entries));
+}
+
+bool isZombie(const std::string& pid) {
+  std::ostringstream text;
+  text << std::ifstream("/proc/" + pid + "/stat").rdbuf();
+  const auto stat = text.str();
+  const auto nameEnd = stat.rfind(')');
+  return nameEnd != stat.npos && stat.substr(nameEnd, 4) == ") Z ";
+}
+
+}  // namespace
+
+void Vitals::sample() {
+  const auto process = "/proc/" + std::to_string(pid_);
+  const Sample now = {entriesOf(process + "/fd"), statusOf(process, "Threads"),
+                      statusOf(process, "VmRSS")};
+  if (now.threads > 0) samples_.push_back(now);
+  lookForZombies();
+}
+
+void Vitals::lookForZombies() {
+  std::map<std::string, Steady::time_point> seen;
+  const auto tasks = "/proc/" + std::to_string(pid_) + "/task";
+  std::error_code gone;
+  for (const auto& task : std::filesystem::directory_iterator(tasks, gone)) {
+    std::ifstream children(task.path() / "children");
+    for (std::string child; children >> child;) {
+      if (!isZombie(child)) continue;
+      const auto known = zombies_.find(child);
+      seen[child] = known == zombies_.end() ? Steady::now() : known->second;
+      if (Steady::now() - seen[child] > kUnburied) throw Finding("child " + child + " is a zombie");
+    }
+  }
+  zombies_ = std::move(seen);
+}
+
+Vitals::Growth Vitals::growthOf(long Sample::*figure) const {
+  const auto least = [&](auto first, auto last) {
+    long result = *first.*figure;
+    for (; first != last; ++first) result = std::min(result, *first.*figure);
+    return result;
+  };
+  Growth result;
+  if (samples_.empty()) return result;
+  const auto count = static_cast<std::ptrdiff_t>(samples_.size());
+  const auto window = std::clamp<std::ptrdiff_t>(count / 5, 1, 60);
+  const auto warm = samples_.begin() + count / 5;
+  result.least = least(samples_.end() - window, samples_.end());
+  result.growth = result.least - least(warm, std::min(warm + window, samples_.end()));
+  for (const auto& sample : samples_) result.peak = std::max(result.peak, sample.*figure);
+  return result;
+}
+
+void Vitals::judge() const {
+  const auto check = [](const char* what, const Growth& growth, long bound) {
+    if (growth.growth <= bound) return;
+    throw Finding(std::string(what) + " grew by " + std::to_string(growth.growth) + " to " +
+                  std::to_string(growth.least));
+  };
+  check("descriptors", descriptors(), kMoreDescriptors);
+  check("threads", threads(), 0);
+  check("KiB of resident memory", kibibytes(), kMoreKibibytes);
+}
+
+}  // namespace quillmont::testing
