@@ -40,7 +40,7 @@ LogLine LogReader::read(const std::string& line) {
   for (const auto& [words, kind] : kKnown) {
     const auto at = line.find(words);
     if (at == line.npos) continue;
-    ++counts_[words];
+    ++counts_[kind == Kind::other ? line : words];
     const auto label = labelAt(line.substr(at + std::string(words).size()));
     return {kind, kind == Kind::other ? "" : label};
   }

@@ -24,7 +24,8 @@ class LogReader {
   /// The lines that have come since the last call; throws a Finding for one of no known kind.
   std::vector<LogLine> take();
 
-  /// How many lines of each kind there were, by the words they begin with.
+  /// How many lines of each kind there were, by the words they begin with; a
+  /// tool's own by the whole line.
   const std::map<std::string, long>& counts() const { return counts_; }
 
  private:

@@ -12,6 +12,8 @@ using Presence = SoakedImage::Presence;
 constexpr std::size_t kRemembered = 40;
 constexpr long kMostExcluded = 4;
 
+constexpr std::uint64_t kActionsWhileOff = 12;
+
 /// So that the program is not asked for more cycles than it can make.
 constexpr long kMostUnseen = 2;
 
@@ -39,12 +41,13 @@ void Soak::act() {
     return image->attached && !image->seen;
   });
   const auto choice = below(100);
-  if (choice < 26) return unseen < kMostUnseen ? attach() : hold();
-  if (choice < 54) return hold();
-  if (choice < 62) return letGo();
+  if (!enabled_ && below(kActionsWhileOff) == 0) return flipSwitch();
+  if (choice < 30) return unseen < kMostUnseen ? attach() : letGo();
+  if (choice < 50) return hold();
+  if (choice < 64) return letGo();
   if (choice < 84) return write();
   if (choice < 89) return toggleExclusion();
-  if (choice < 92) return flipSwitch();
+  if (choice < 91) return enabled_ ? flipSwitch() : write();
   if (choice < 95) return unseen < kMostUnseen ? ejectOnPanel() : write();
   if (choice < 98) return unseen < kMostUnseen ? detachAsAnother() : write();
   deleteFile();
@@ -99,7 +102,6 @@ void Soak::toggleExclusion() {
   counts_[panel_.toggleExclusion(image->label()) ? "exclusions" : "clicks too late"] += 1;
 }
 
-/// Off for a while, on again with the next thought of it.
 void Soak::flipSwitch() {
   note("flip the switch");
   if (!panel_.flipSwitch()) throw Finding("the panel has no switch");

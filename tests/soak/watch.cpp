@@ -13,6 +13,7 @@ using Kind = LogLine::Kind;
 using Presence = SoakedImage::Presence;
 using namespace std::chrono_literals;
 
+constexpr auto kDrained = 15s * kSlowness;
 constexpr auto kLinesOfOneCycle = 1s * kSlowness;
 
 const PropertyList* setting(const PropertyList& settings, const std::string& key) {
@@ -119,10 +120,11 @@ void Soak::watchMounted(const SoakedImage& image) const {
 
 /// A request that was on its way when the user came is carried out; but none is made once the
 /// program knows of him, and those that were queued until then are over when one of an image that
-/// came later is.
+/// came later is; or after far longer than anything has taken.
 bool Soak::isProtected(const SoakedImage& image) const {
   const auto known = image.knownInUseSince();
-  return image.isHeld() && !image.byHand && !image.missed && known && drainedTo_ > *known;
+  if (!image.isHeld() || image.byHand || image.missed || !known) return false;
+  return drainedTo_ > *known || Steady::now() - *known > kDrained + 2 * worstDelay_;
 }
 
 void Soak::watchUnmounted(SoakedImage& image) {
