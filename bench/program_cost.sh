@@ -49,14 +49,14 @@ tools() {
 
 pss() { awk '/^Pss:/ { print $2 }' "/proc/$1/smaps_rollup"; }
 
-# starts PROGRAM [ARGUMENT...]: into "pid"; waits until its icon is in the tray.
+# starts CLASS PROGRAM [ARGUMENT...]: into "pid"; waits until its icon, of that window class, is in the tray.
 starts() {
-  local ticks=100 before
-  before=$(tray_size)
+  local ticks=100 class=$1
+  shift
   "$@" 2>"$work/log" &
   pid=$!
   running+=("$pid")
-  while [ "$(tray_size)" = "$before" ]; do
+  until xdotool search --onlyvisible --class "$class" >/dev/null 2>&1; do
     [ $((ticks--)) -gt 0 ] || {
       echo "program_cost: no icon of $1: $(<"$work/log")" >&2
       exit 1
@@ -64,9 +64,6 @@ starts() {
     sleep 0.05
   done
 }
-
-# A tray grows with every icon that it takes.
-tray_size() { xdotool search --class trayer getwindowgeometry 2>/dev/null | grep Geometry | sort | tail -n 1; }
 
 ends() {
   local ticks=100
@@ -91,7 +88,7 @@ startup_cost() {
   shift
   cost=
   for round in 1 2 3 4 5; do
-    starts "$@"
+    starts "$class" "$@"
     sleep 0.3
     spent=$(own "$pid")
     ends "$pid" "$class"
@@ -136,14 +133,14 @@ start_of_control=$cost
 startup_cost Quillmont "$quillmont"
 row "start to icon in the tray, CPU : a bare tray icon" "$cost" "$start_of_control" ms ratio 1.5
 
-starts "$control" --timer
+starts quillmont_tray_control "$control" --timer
 sleep 2
 memory_of_control=$(pss "$pid")
 resting_cost "$pid"
 minute_of_control=$own_minute
 ends "$pid" quillmont_tray_control
 
-starts "$quillmont"
+starts Quillmont "$quillmont"
 sleep 8
 row "memory (PSS), panel hidden, ${#attached[@]} images : the same" \
   "$(awk -v k="$(pss "$pid")" 'BEGIN { print k / 1024 }')" \
