@@ -78,7 +78,7 @@ row() {
   awk -v what="$1" -v a="$2" -v b="$3" -v unit="$4" -v rule="$5" -v target="$6" 'BEGIN {
     value = rule == "ratio" ? (b > 0 ? a / b : 0) : a - b
     printf "%-64s %9.1f %s %9.1f %s %7.3f %7.3f%s\n", what, a, unit, b, unit, value, target,
-           value > target ? "  missed" : ""
+           (value > target ? "  missed" : "")
   }'
 }
 
