@@ -33,6 +33,13 @@ void moveHome(const std::string& home) {
   setenv("XDG_RUNTIME_DIR", home.c_str(), 1);
 }
 
+std::string pathOfChildren(const Host& host) {
+  auto child =
+      host.processes.launch({host.tools.shell, {"-c", "echo -n \"$PATH\""}, ChildOutput::pipe});
+  if (!child || (*child)->waitUntilExit() != 0) return "";
+  return (*child)->readStandardOutput();
+}
+
 TEST(Host, BringsUpItsPartsOnce) {
   const testing::TemporaryFolder home;
   EXPECT_EQ(forked([&] {
@@ -71,11 +78,7 @@ TEST(Host, ChildrenFindItsToolsFirst) {
   EXPECT_EQ(forked([&] {
               moveHome(home.path());
               const Host& host = Host::current();
-              auto child = host.processes.launch(
-                  {host.tools.shell, {"-c", "echo -n \"$PATH\""}, ChildOutput::pipe});
-              ASSERT_TRUE(child);
-              EXPECT_EQ((*child)->waitUntilExit(), 0);
-              EXPECT_EQ((*child)->readStandardOutput(),
+              EXPECT_EQ(pathOfChildren(host),
                         host.bundle.path() + "/Contents/libexec:" + home.path() +
                             "/com.norwaldex.Quillmont/bin" +
                             ":/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin");
@@ -91,11 +94,7 @@ TEST(Host, RuntimeFolderThatIsOpenToOthersLendsNoTools) {
               fs::create_directories(runtime + "/bin");
               fs::permissions(runtime, fs::perms(0777));
               const Host& host = Host::current();
-              auto child = host.processes.launch(
-                  {host.tools.shell, {"-c", "echo -n \"$PATH\""}, ChildOutput::pipe});
-              ASSERT_TRUE(child);
-              EXPECT_EQ((*child)->waitUntilExit(), 0);
-              EXPECT_EQ((*child)->readStandardOutput(),
+              EXPECT_EQ(pathOfChildren(host),
                         host.bundle.path() +
                             "/Contents/libexec:/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:"
                             "/sbin:/bin");

@@ -12,7 +12,6 @@
 #include <map>
 #include <thread>
 
-#include "platform/linux/mount_table.h"
 #include "tests/support/DiskImages.h"
 #include "tests/support/Holder.h"
 #include "tests/support/NotificationRecorder.h"
@@ -76,12 +75,6 @@ class NeverWhileInUse : public ::testing::Test {
     return !DiskImages::loopsOf(images->path() + "/" + label + ".img").empty();
   }
 
-  static bool mountedAt(const std::string& place) {
-    const auto mounts = readMountTable();
-    return mounts && std::any_of(mounts->begin(), mounts->end(),
-                                 [&](const Mount& mount) { return mount.mountPoint == place; });
-  }
-
   /// Lets the program, which knows of everybody by now, look around for the whole time.
   void watch() {
     std::this_thread::sleep_for(watchedFor());
@@ -123,7 +116,7 @@ TEST_F(NeverWhileInUse, EveryWayToUseAnImageKeepsIt) {
   watch();
   EXPECT_TRUE(waitUntilEjected("Nobody")) << "nothing would be ejected:\n" << program->output();
   for (const auto& use : volumeUses()) {
-    EXPECT_TRUE(mountedAt(DiskImages::realPlace(use.name))) << use.name;
+    EXPECT_TRUE(isMounted(DiskImages::realPlace(use.name))) << use.name;
     EXPECT_TRUE(attached(use.name)) << use.name;
   }
   EXPECT_THAT(program->output(), Not(HasSubstr("Failed to eject")));
@@ -151,10 +144,10 @@ TEST_F(NeverWhileInUse, ImageThatHoldsAnAttachedImageOrAMountIsRefusedAndStaysWh
   for (const std::string label : {"Outer", "Below"}) {
     EXPECT_TRUE(program->waitForOutput("Failed to eject: /Volumes/" + label, kPatience))
         << program->output();
-    EXPECT_TRUE(mountedAt(DiskImages::realPlace(label))) << label;
+    EXPECT_TRUE(isMounted(DiskImages::realPlace(label))) << label;
     EXPECT_TRUE(attached(label)) << label;
   }
-  EXPECT_TRUE(mountedAt(DiskImages::realPlace("Inner")));
+  EXPECT_TRUE(isMounted(DiskImages::realPlace("Inner")));
   EXPECT_TRUE(recorder->notifications().empty());
   terminate();
   holders.clear();

@@ -6,20 +6,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/linux/mount_table.h"
+#include "tests/support/own_volumes.h"
 
 namespace quillmont::testing {
-namespace {
-
-bool isMounted(const std::string& place) {
-  const auto mounts = readMountTable();
-  if (!mounts) throw std::runtime_error(mounts.errorText());
-  return std::any_of(mounts->begin(), mounts->end(),
-                     [&](const Mount& mount) { return mount.mountPoint == place; });
-}
-
-}  // namespace
-
 SoakedImage::SoakedImage(DiskImages& images, std::string name)
     : images_(images),
       name_(std::move(name)),

@@ -2,6 +2,9 @@
 
 #include <sys/mount.h>
 
+#include <algorithm>
+#include <stdexcept>
+
 #include "platform/linux/image_devices.h"
 #include "platform/linux/mount_table.h"
 #include "tests/support/forked.h"
@@ -23,6 +26,13 @@ void dropVolumesExcept(const std::string& kept) {
     const auto& place = volume->mount.mountPoint;
     if (place != kept) umount2(place.c_str(), MNT_DETACH | UMOUNT_NOFOLLOW);
   }
+}
+
+bool isMounted(const std::string& place) {
+  const auto mounts = readMountTable();
+  if (!mounts) throw std::runtime_error(mounts.errorText());
+  return std::any_of(mounts->begin(), mounts->end(),
+                     [&](const Mount& mount) { return mount.mountPoint == place; });
 }
 
 }  // namespace quillmont::testing

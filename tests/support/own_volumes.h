@@ -15,4 +15,8 @@ std::string enterOwnVolumes();
 /// table, so that it holds no other one.
 void dropVolumesExcept(const std::string& kept);
 
+/// Whether something is mounted at `place`, as the calling process sees it. Throws where it cannot
+/// be told.
+bool isMounted(const std::string& place);
+
 }  // namespace quillmont::testing
