@@ -73,20 +73,20 @@ struct LinuxHost {
 
 const Host* makeHost() {
   leaveStartFolder();
-  auto& parts = *new LinuxHost;
-  return new Host{.processes = parts.processes,
-                  .propertyLists = parts.propertyLists,
-                  .defaults = parts.defaults,
-                  .files = parts.files,
-                  .bundle = parts.bundle,
-                  .log = parts.log,
-                  .mainRunLoop = parts.loop,
-                  .queues = parts.queues,
-                  .clock = parts.clock,
-                  .workspace = parts.workspace,
-                  .application = parts.application,
-                  .desktop = parts.desktop,
-                  .tools = toolPaths(parts.toolFolder),
+  auto* const parts = new LinuxHost;
+  return new Host{.processes = parts->processes,
+                  .propertyLists = parts->propertyLists,
+                  .defaults = parts->defaults,
+                  .files = parts->files,
+                  .bundle = parts->bundle,
+                  .log = parts->log,
+                  .mainRunLoop = parts->loop,
+                  .queues = parts->queues,
+                  .clock = parts->clock,
+                  .workspace = parts->workspace,
+                  .application = parts->application,
+                  .desktop = parts->desktop,
+                  .tools = toolPaths(parts->toolFolder),
                   .processIdentifier = getpid(),
                   .userIdentifier = getuid()};
 }

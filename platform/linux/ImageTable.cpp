@@ -43,13 +43,14 @@ Result<ImageTable> ImageTable::read() {
   }
   auto volumes = imageMounts(*mounts);
   auto ghosts = livingGhosts();
-  return ImageTable(std::move(loops), partitions, std::move(*mounts), std::move(volumes),
-                    std::move(ghosts), userName());
+  return ImageTable(loops, partitions, std::move(*mounts), std::move(volumes), std::move(ghosts),
+                    userName());
 }
 
-ImageTable::ImageTable(std::vector<LoopDevice> loops, const std::vector<std::string>& partitions,
-                       std::vector<Mount> mounts, std::vector<VolumeMount> volumes,
-                       std::vector<Ghost> ghosts, std::string user)
+ImageTable::ImageTable(const std::vector<LoopDevice>& loops,
+                       const std::vector<std::string>& partitions, std::vector<Mount> mounts,
+                       std::vector<VolumeMount> volumes, std::vector<Ghost> ghosts,
+                       std::string user)
     : mounts_(std::move(mounts)),
       volumes_(std::move(volumes)),
       ghosts_(std::move(ghosts)),

@@ -32,7 +32,7 @@ class ImageTable {
   static Result<ImageTable> read();
 
   /// `partitions` are names of partitions of any of the loops.
-  ImageTable(std::vector<LoopDevice> loops, const std::vector<std::string>& partitions,
+  ImageTable(const std::vector<LoopDevice>& loops, const std::vector<std::string>& partitions,
              std::vector<Mount> mounts, std::vector<VolumeMount> volumes, std::vector<Ghost> ghosts,
              std::string user);
 

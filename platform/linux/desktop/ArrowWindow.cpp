@@ -134,7 +134,7 @@ class ArrowWindow::Corners : public QWidget {
 ArrowWindow::ArrowWindow(QWidget* owner) : QWidget(owner, kFlags), corners_(new Corners(*this)) {
   setAttribute(Qt::WA_TranslucentBackground);
   setAttribute(Qt::WA_AlwaysShowToolTips);
-  connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, [this](QWindow* focused) {
+  connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, [this](const QWindow* focused) {
     if (focused || !isVisible() || tellsOfEveryPress()) return;
     QTimer::singleShot(kFocusSettles, this, [this] { closeWhenProgramIsLeft(); });
   });
