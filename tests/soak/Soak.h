@@ -8,6 +8,7 @@
 #include <map>
 #include <memory>
 #include <random>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -63,6 +64,8 @@ class Soak {
   void watchUnmounted(SoakedImage& image);
   bool isProtected(const SoakedImage& image) const;
   void noteGone(SoakedImage& image);
+  void noteUnmounted(const SoakedImage& image);
+  void watchUnexplained();
   void inspectIfOver(SoakedImage& image);
   void readSettings();
   /// The image that has this label now; none if it had it once.
@@ -87,6 +90,9 @@ class Soak {
   bool enabled_ = true;
   std::size_t announcementsTaken_ = 0;
   std::map<std::string, long> unannounced_;  ///< ejections that the log has told, by label
+  std::set<std::string> tried_;              ///< labels that the log tells an ejection's outcome of
+  /// Volumes that went by nobody's hand, and when, until the log tells of their ejection.
+  std::map<std::string, Steady::time_point> unexplained_;
   std::map<std::string, Steady::time_point> attachedAt_;  ///< of every label there ever was
   /// Images that were attached by then have been seen: there was a cycle after that time.
   Steady::time_point seenTo_;

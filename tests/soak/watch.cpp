@@ -29,6 +29,7 @@ void Soak::watch() {
   takeLog();
   readSettings();
   for (auto& image : images_) watchImage(*image);
+  watchUnexplained();
 }
 
 SoakedImage* Soak::imageOf(const std::string& label) {
@@ -67,6 +68,7 @@ void Soak::takeLog() {
       if (image) takeSight(*image, line.kind);
     } else {
       drainedTo_ = std::max(drainedTo_, attachedAt_[line.label]);
+      tried_.insert(line.label);
       if (line.kind == Kind::ejected) takeEjection(line.label, image);
     }
   }
@@ -127,7 +129,20 @@ bool Soak::isProtected(const SoakedImage& image) const {
   return drainedTo_ > *known || Steady::now() - *known > kDrained + 2 * worstDelay_;
 }
 
+/// A volume goes because somebody ejects it, and says so; not because another one is ejected.
+void Soak::noteUnmounted(const SoakedImage& image) {
+  if (!image.byHand) unexplained_.emplace(image.label(), Steady::now());
+}
+
+void Soak::watchUnexplained() {
+  std::erase_if(unexplained_, [&](const auto& gone) { return tried_.count(gone.first) > 0; });
+  for (const auto& [label, since] : unexplained_) {
+    if (Steady::now() - since > patience()) throw Finding(label + " went though nobody ejected it");
+  }
+}
+
 void Soak::watchUnmounted(SoakedImage& image) {
+  noteUnmounted(image);
   if (!image.isHeld()) {
     if (Steady::now() - image.changedAt < patience()) return;
     throw Finding(image.label() + " stays attached though nobody holds it");
@@ -139,6 +154,7 @@ void Soak::watchUnmounted(SoakedImage& image) {
 }
 
 void Soak::noteGone(SoakedImage& image) {
+  noteUnmounted(image);
   if (image.isHeld() && !image.byHand && !image.missed) {
     throw Finding(image.label() + " was detached while it was used");
   }
