@@ -35,8 +35,9 @@ class ChildProcess {
   /// signal number for a child that a signal ended. Calling again returns the same status.
   virtual int waitUntilExit() = 0;
 
-  /// All that the child wrote to a piped standard output. Only after waitUntilExit(). A piped
-  /// standard error is drained and dropped.
+  /// All that the child wrote to a piped standard output, up to a limit of the platform's, of which
+  /// no honest tool knows. Only after waitUntilExit(). A piped standard error is drained and
+  /// dropped.
   virtual std::string readStandardOutput() = 0;
 };
 

@@ -157,23 +157,32 @@ std::optional<int> collect(pid_t pid, int options) {
   return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
-/// Reads once from `stream`, into `text` unless that is null, and closes it at its end. Returns the
-/// number of bytes.
-int takeSome(Descriptor& stream, std::string* text) {
+/// What is kept of a stream: all of it, up to a limit. A tool gone mad must not fill the memory.
+struct Kept {
+  std::string text;
+  std::size_t limit = 0;
+
+  void add(const char* bytes, std::size_t count) {
+    text.append(bytes, std::min(count, limit - text.size()));
+  }
+};
+
+/// Reads once from `stream`, and closes it at its end. Returns the number of bytes.
+int takeSome(Descriptor& stream, Kept& kept) {
   char buffer[65536];
   const auto count = read(stream.get(), buffer, sizeof buffer);
   if (count == 0 || (count < 0 && errno != EINTR)) stream.reset();
   if (count <= 0) return 0;
-  if (text) text->append(buffer, static_cast<std::size_t>(count));
+  kept.add(buffer, static_cast<std::size_t>(count));
   return static_cast<int>(count);
 }
 
 /// Takes what an ended child left in `stream`, and no more: somebody who inherited the other end
 /// may be writing without pause.
-void takeRest(Descriptor& stream, std::string* text) {
+void takeRest(Descriptor& stream, Kept& kept) {
   int left = 0;
   if (stream && ioctl(stream.get(), FIONREAD, &left) != 0) left = 0;
-  while (stream && left > 0) left -= takeSome(stream, text);
+  while (stream && left > 0) left -= takeSome(stream, kept);
   stream.reset();
 }
 
@@ -199,11 +208,13 @@ class PosixProcessLauncher::DroppedChildren {
 
 class PosixProcessLauncher::Child : public ChildProcess {
  public:
-  Child(pid_t pid, Descriptor output, Descriptor error, std::shared_ptr<DroppedChildren> dropped)
+  Child(pid_t pid, Descriptor output, std::size_t outputLimit, Descriptor error,
+        std::shared_ptr<DroppedChildren> dropped)
       : pid_(pid),
         output_(std::move(output)),
         error_(std::move(error)),
-        dropped_(std::move(dropped)) {}
+        dropped_(std::move(dropped)),
+        outputKept_{{}, outputLimit} {}
 
   ~Child() override {
     if (!status_) dropped_->add(pid_);
@@ -217,32 +228,35 @@ class PosixProcessLauncher::Child : public ChildProcess {
       status_ = collect(pid_, WNOHANG);
     }
     if (!status_) status_ = collect(pid_, 0);
-    takeRest(output_, &text_);
-    takeRest(error_, nullptr);
+    takeRest(output_, outputKept_);
+    takeRest(error_, nothingKept_);
     return *status_;
   }
 
-  std::string readStandardOutput() override { return text_; }
+  std::string readStandardOutput() override { return outputKept_.text; }
 
  private:
   void takeWhatComes() {
     // poll() passes over a stream that is closed, and so -1.
     pollfd streams[2] = {{output_.get(), POLLIN, 0}, {error_.get(), POLLIN, 0}};
     if (poll(streams, 2, kPatienceMilliseconds) <= 0) return;
-    if (streams[0].revents != 0) takeSome(output_, &text_);
-    if (streams[1].revents != 0) takeSome(error_, nullptr);
+    if (streams[0].revents != 0) takeSome(output_, outputKept_);
+    if (streams[1].revents != 0) takeSome(error_, nothingKept_);
   }
 
   const pid_t pid_;
   Descriptor output_;
   Descriptor error_;
   const std::shared_ptr<DroppedChildren> dropped_;
-  std::string text_;
+  Kept outputKept_;
+  Kept nothingKept_;
   std::optional<int> status_;
 };
 
-PosixProcessLauncher::PosixProcessLauncher(const std::string& searchPath)
-    : environment_(environmentWithPath(searchPath)), dropped_(std::make_shared<DroppedChildren>()) {
+PosixProcessLauncher::PosixProcessLauncher(const std::string& searchPath, std::size_t outputLimit)
+    : environment_(environmentWithPath(searchPath)),
+      outputLimit_(outputLimit),
+      dropped_(std::make_shared<DroppedChildren>()) {
   // An ignored SIGCHLD outlives exec, and would lose the status of every child.
   struct sigaction action = {};
   if (sigaction(SIGCHLD, nullptr, &action) == 0 && action.sa_handler == SIG_IGN) {
@@ -274,8 +288,8 @@ Result<std::unique_ptr<ChildProcess>> PosixProcessLauncher::launch(const Command
   pid_t pid = 0;
   failure = plan.start(pid, arguments, environment_);
   if (failure != 0) return Error{errorText(failure)};
-  return std::unique_ptr<ChildProcess>(
-      std::make_unique<Child>(pid, std::move(output.read), std::move(error.read), dropped_));
+  return std::unique_ptr<ChildProcess>(std::make_unique<Child>(
+      pid, std::move(output.read), outputLimit_, std::move(error.read), dropped_));
 }
 
 }  // namespace quillmont

@@ -1,6 +1,7 @@
 // Child processes through posix_spawn().
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -19,7 +20,12 @@ namespace quillmont {
 /// reads as 255.
 class PosixProcessLauncher : public ProcessLauncher {
  public:
-  explicit PosixProcessLauncher(const std::string& searchPath);
+  /// Far more than anybody reads: a property list of more than 64 MiB is refused.
+  static constexpr std::size_t kOutputLimit = 256u << 20;
+
+  /// Of a child's standard output only the first `outputLimit` bytes are kept.
+  explicit PosixProcessLauncher(const std::string& searchPath,
+                                std::size_t outputLimit = kOutputLimit);
   ~PosixProcessLauncher() override;
 
   /// Failure: the system's reason alone, such as "No such file or directory". An argument with a
@@ -31,6 +37,7 @@ class PosixProcessLauncher : public ProcessLauncher {
   class Child;
 
   const std::vector<std::string> environment_;
+  const std::size_t outputLimit_;
   const std::shared_ptr<DroppedChildren> dropped_;
 };
 

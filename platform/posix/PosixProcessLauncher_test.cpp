@@ -83,6 +83,35 @@ TEST_F(PosixProcessLauncherTest, MuchOutputOnBothStreamsAtOnceArrivesWhole) {
   }
 }
 
+TEST_F(PosixProcessLauncherTest, OfAFloodOnlyTheBeginningIsKeptAndTheChildStillEnds) {
+  PosixProcessLauncher launcher("/usr/bin:/bin", /*outputLimit=*/100'000);
+  auto child =
+      launcher.launch(shell({"echo start; head -c 5000000 /dev/zero; exit 6"}, ChildOutput::pipe));
+  ASSERT_TRUE(child);
+  EXPECT_EQ((*child)->waitUntilExit(), 6);
+  EXPECT_EQ((*child)->readStandardOutput().size(), 100'000u);
+  EXPECT_TRUE((*child)->readStandardOutput().starts_with("start\n"));
+}
+
+TEST_F(PosixProcessLauncherTest, OutputOfExactlyTheLimitIsWhole) {
+  PosixProcessLauncher launcher("/usr/bin:/bin", /*outputLimit=*/6);
+  auto child = launcher.launch(shell({"echo 12345"}));
+  ASSERT_TRUE(child);
+  EXPECT_EQ((*child)->waitUntilExit(), 0);
+  EXPECT_EQ((*child)->readStandardOutput(), "12345\n");
+}
+
+TEST_F(PosixProcessLauncherTest, FloodOnStandardErrorTakesNoMemory) {
+  rusage before = {};
+  rusage after = {};
+  ASSERT_EQ(getrusage(RUSAGE_SELF, &before), 0);
+  const auto outcome =
+      run(shell({"head -c 100000000 /dev/zero >&2"}, ChildOutput::pipe, ChildOutput::pipe));
+  ASSERT_EQ(getrusage(RUSAGE_SELF, &after), 0);
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_LT(after.ru_maxrss, 2 * before.ru_maxrss);  // one system counts KiB, another bytes
+}
+
 TEST_F(PosixProcessLauncherTest, PipedStandardErrorIsDroppedAndKeptApart) {
   const auto outcome = run(shell({"echo no >&2; echo yes"}, ChildOutput::pipe, ChildOutput::pipe));
   EXPECT_EQ(outcome.output, "yes\n");
