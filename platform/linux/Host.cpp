@@ -14,6 +14,7 @@
 #include "platform/linux/desktop/LinuxDesktop.h"
 #include "platform/linux/desktop/QtApplication.h"
 #include "platform/linux/kept_tool.h"
+#include "platform/linux/start_room.h"
 #include "platform/linux/user_folders.h"
 #include "platform/posix/PosixFileManager.h"
 #include "platform/posix/PosixProcessLauncher.h"
@@ -23,6 +24,9 @@
 
 namespace quillmont {
 namespace {
+
+/// Qt's for the bus and for the display, the monitor's, and one for a tool.
+constexpr int kThreads = 4;
 
 /// Where this process keeps launchctl startable; empty without a runtime folder.
 std::string keptToolsFolder() {
@@ -73,6 +77,9 @@ struct LinuxHost {
 
 const Host* makeHost() {
   leaveStartFolder();
+  endWithALogLineWithoutRoom();
+  // Qt would wait for ever for a thread that it could not start.
+  requireThreads(kThreads);
   auto* const parts = new LinuxHost;
   return new Host{.processes = parts->processes,
                   .propertyLists = parts->propertyLists,
