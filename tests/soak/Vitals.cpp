@@ -1,10 +1,9 @@
 #include "tests/soak/Vitals.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
-#include <iterator>
-#include <sstream>
+
+#include "tests/support/processes.h"
 
 namespace quillmont::testing {
 namespace {
@@ -23,25 +22,11 @@ long statusOf(const std::string& process, const std::string& name) {
   return 0;
 }
 
-long entriesOf(const std::string& folder) {
-  std::error_code gone;
-  const std::filesystem::directory_iterator entries(folder, gone);
-  return gone ? 0 : std::distance(begin(entries), end(entries));
-}
-
-bool isZombie(const std::string& pid) {
-  std::ostringstream text;
-  text << std::ifstream("/proc/" + pid + "/stat").rdbuf();
-  const auto stat = text.str();
-  const auto nameEnd = stat.rfind(')');
-  return nameEnd != stat.npos && stat.substr(nameEnd, 4) == ") Z ";
-}
-
 }  // namespace
 
 void Vitals::sample() {
   const auto process = "/proc/" + std::to_string(pid_);
-  const Sample now = {entriesOf(process + "/fd"), statusOf(process, "Threads"),
+  const Sample now = {openDescriptors(pid_), statusOf(process, "Threads"),
                       statusOf(process, "VmRSS")};
   if (now.threads > 0) samples_.push_back(now);
   lookForZombies();
@@ -49,16 +34,10 @@ void Vitals::sample() {
 
 void Vitals::lookForZombies() {
   std::map<std::string, Steady::time_point> seen;
-  const auto tasks = "/proc/" + std::to_string(pid_) + "/task";
-  std::error_code gone;
-  for (const auto& task : std::filesystem::directory_iterator(tasks, gone)) {
-    std::ifstream children(task.path() / "children");
-    for (std::string child; children >> child;) {
-      if (!isZombie(child)) continue;
-      const auto known = zombies_.find(child);
-      seen[child] = known == zombies_.end() ? Steady::now() : known->second;
-      if (Steady::now() - seen[child] > kUnburied) throw Finding("child " + child + " is a zombie");
-    }
+  for (const auto& child : zombiesOf(pid_)) {
+    const auto known = zombies_.find(child);
+    seen[child] = known == zombies_.end() ? Steady::now() : known->second;
+    if (Steady::now() - seen[child] > kUnburied) throw Finding("child " + child + " is a zombie");
   }
   zombies_ = std::move(seen);
 }

@@ -1,0 +1,17 @@
+// What a process has of the system, seen from outside.
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+namespace quillmont::testing {
+
+/// How many descriptors are open; 0 once the process is gone.
+long openDescriptors(pid_t pid);
+
+/// Identifiers of children that have ended and are not yet waited for.
+std::vector<std::string> zombiesOf(pid_t pid);
+
+}  // namespace quillmont::testing
