@@ -154,6 +154,29 @@ TEST_F(PanelTest, BarOfTheMessageBusMayComeLateAndRestart) {
   EXPECT_TRUE(panelOpens());
 }
 
+TEST_F(PanelTest, BusThatDiesLeavesTheEmbeddedIconAndThePanel) {
+  start();
+  openPanel();
+  lab->killBus();
+  EXPECT_TRUE(panelStays()) << program->output();
+  clickIcon();
+  EXPECT_TRUE(panelCloses()) << program->output();
+  clickIcon();
+  EXPECT_TRUE(panelOpens()) << program->output();
+}
+
+TEST_F(PanelTest, BusThatDiesTakesTheBarsIconAlongAndTheProgramGoesOn) {
+  DesktopOptions options;
+  options.tray = Tray::none;
+  startDesktop(options);
+  auto bar = std::make_unique<StatusNotifierBar>(lab->busAddress());
+  start();
+  ASSERT_TRUE(bar->waitForItem(10s)) << program->output();
+  bar.reset();
+  lab->killBus();
+  EXPECT_EQ(program->waitForExit(1s), -1) << program->output();
+}
+
 TEST_F(PanelTest, PressOnTheBarsIconThatClosedThePanelDoesNotOpenItAgain) {
   DesktopOptions options;
   options.tray = Tray::none;

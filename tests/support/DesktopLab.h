@@ -54,6 +54,9 @@ class DesktopLab {
   void startTray(Tray tray, const std::string& edge);
   void stopTray();
 
+  /// The message bus dies, and whoever was on it has none any more.
+  void killBus() { bus_.kill(); }
+
   void move(int x, int y);
   void click(int x, int y, int button = 1);
   void press(int button);

@@ -1,5 +1,7 @@
 #include "tests/support/PrivateBus.h"
 
+#include <signal.h>
+
 #include <fstream>
 #include <stdexcept>
 #include <vector>
@@ -31,6 +33,11 @@ PrivateBus::PrivateBus()
   if (!daemon_.waitForOutput(address_, std::chrono::seconds(10))) {
     throw std::runtime_error("the private bus does not start: " + daemon_.output());
   }
+}
+
+void PrivateBus::kill() {
+  daemon_.signal(SIGKILL);
+  daemon_.waitForExit(std::chrono::seconds(10));
 }
 
 Environment PrivateBus::environment() const {

@@ -20,6 +20,9 @@ class PrivateBus {
   /// As in DBUS_SESSION_BUS_ADDRESS.
   const std::string& address() const { return address_; }
 
+  /// The daemon dies; everybody on the bus finds himself without one.
+  void kill();
+
   /// The test's environment with this bus for its session's.
   Environment environment() const;
 
