@@ -5,8 +5,8 @@
 
 #include <map>
 #include <optional>
-#include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quillmont {

@@ -42,8 +42,8 @@ attach_images() {
 # own PID: nanoseconds of CPU time of the program's threads.
 own() { cat /proc/"$1"/task/*/schedstat | awk '{ sum += $1 } END { printf "%.0f\n", sum }'; }
 
-# tools PID: the same of its children that have ended.
-tools() {
+# ended PID: the same of its children that have ended.
+ended() {
   sed 's/.*) //' "/proc/$1/stat" | awk -v tick="$(getconf CLK_TCK)" '{ printf "%.0f\n", ($14 + $15) * 1e9 / tick }'
 }
 
@@ -101,24 +101,20 @@ startup_cost() {
 resting_cost() {
   local own_before tools_before
   own_before=$(own "$1")
-  tools_before=$(tools "$1")
+  tools_before=$(ended "$1")
   sleep "$seconds"
   own_minute=$(awk -v d=$(($(own "$1") - own_before)) -v s="$seconds" 'BEGIN { print d * 60 / s / 1e6 }')
-  tools_minute=$(awk -v d=$(($(tools "$1") - tools_before)) -v s="$seconds" 'BEGIN { print d * 60 / s / 1e6 }')
+  tools_minute=$(awk -v d=$(($(ended "$1") - tools_before)) -v s="$seconds" 'BEGIN { print d * 60 / s / 1e6 }')
 }
 
-# What a minute of the same questions costs when the system's own tool answers them.
-system_tool_minute() {
-  local place before after
-  before=$(children_cpu)
+# What a minute of the same questions costs when the system's own tool answers them: into
+# "system_minute", milliseconds. Not within $(...), whose shell has no part in what this one has
+# waited for.
+ask_system_tool() {
+  local place before
+  before=$(ended $$)
   for place in "${attached[@]}"; do lsof -F cpn "$place" >/dev/null 2>&1 || true; done
-  after=$(children_cpu)
-  awk -v a="$before" -v b="$after" 'BEGIN { print (b - a) * 12 * 1000 }'
-}
-
-# Seconds of CPU time of the commands that this shell has waited for.
-children_cpu() {
-  sed 's/.*) //' "/proc/$$/stat" | awk -v tick="$(getconf CLK_TCK)" '{ print ($14 + $15) / tick }'
+  system_minute=$(awk -v d=$(($(ended $$) - before)) 'BEGIN { print d * 12 / 1e6 }')
 }
 
 mkdir -m 700 "$work/home" "$work/runtime"
@@ -149,8 +145,9 @@ resting_cost "$pid"
 row "own CPU a minute, panel hidden, ${#attached[@]} images : the same, a 1 Hz timer" \
   "$own_minute" "$minute_of_control" ms ratio 2
 if [ ${#attached[@]} = $images ] && type -P lsof >/dev/null; then
+  ask_system_tool
   row "all CPU a minute, $images images : the same questions to the system's tool" \
-    "$(awk -v a="$own_minute" -v b="$tools_minute" 'BEGIN { print a + b }')" "$(system_tool_minute)" ms ratio 0.1
+    "$(awk -v a="$own_minute" -v b="$tools_minute" 'BEGIN { print a + b }')" "$system_minute" ms ratio 0.1
 else
   echo "all CPU a minute: skipped: ${#attached[@]} of $images images attached: $(head -n 1 "$work/answer")"
 fi
