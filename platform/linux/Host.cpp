@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <cstdlib>
 #include <string>
 
 #include "platform/linux/EventLoop.h"
@@ -14,6 +15,7 @@
 #include "platform/linux/desktop/LinuxDesktop.h"
 #include "platform/linux/desktop/QtApplication.h"
 #include "platform/linux/kept_tool.h"
+#include "platform/linux/question_series.h"
 #include "platform/linux/start_room.h"
 #include "platform/linux/user_folders.h"
 #include "platform/posix/PosixFileManager.h"
@@ -80,6 +82,7 @@ const Host* makeHost() {
   endWithALogLineWithoutRoom();
   // Qt would wait for ever for a thread that it could not start.
   requireThreads(kThreads);
+  setenv(kSeriesVariable, "1", 1);
   auto* const parts = new LinuxHost;
   return new Host{.processes = parts->processes,
                   .propertyLists = parts->propertyLists,

@@ -13,8 +13,6 @@
 namespace quillmont {
 namespace {
 
-constexpr char kMountTable[] = "/proc/self/mountinfo";
-
 /// Whether `volumes` has one that `others` lacks.
 bool hasMore(const std::set<MountedVolume>& volumes, const std::set<MountedVolume>& others) {
   return !std::includes(others.begin(), others.end(), volumes.begin(), volumes.end());

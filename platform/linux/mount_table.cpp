@@ -82,7 +82,7 @@ std::vector<Mount> parseMountTable(std::string_view text) {
 }
 
 Result<std::vector<Mount>> readMountTable() {
-  const auto text = readFile("/proc/self/mountinfo");
+  const auto text = readFile(kMountTable);
   if (!text) return Error{text.errorText()};
   return parseMountTable(*text);
 }

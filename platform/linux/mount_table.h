@@ -23,6 +23,9 @@ struct Mount {
   bool operator==(const Mount&) const = default;
 };
 
+/// The file with the table of the calling process's mount namespace.
+inline constexpr char kMountTable[] = "/proc/self/mountinfo";
+
 /// Reads the table's text. Lines that are none are passed over, never a crash.
 std::vector<Mount> parseMountTable(std::string_view text);
 

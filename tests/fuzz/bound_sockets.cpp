@@ -12,12 +12,12 @@ namespace {
 
 constexpr std::size_t kSmallestRecord = 32;  // header, and what is told of every socket
 
-std::vector<std::uint64_t> socketsOf(std::string_view datagram) {
+std::vector<BoundSocket> socketsOf(std::string_view datagram) {
   VolumeIdentity volume;
   volume.devices = {makedev(7, 0), makedev(8, 1)};
-  std::vector<std::uint64_t> inodes;
-  collectBoundSockets(datagram, volume, inodes);
-  return inodes;
+  std::vector<BoundSocket> sockets;
+  collectBoundSockets(datagram, volume, sockets);
+  return sockets;
 }
 
 }  // namespace

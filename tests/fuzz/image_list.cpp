@@ -44,9 +44,7 @@ std::vector<ScanEntry> scanned(const ImageTable& table) {
 void checkEntry(const ScanEntry& entry, const ImageTable& table, const std::vector<Mount>& mounts,
                 const std::vector<VolumeMount>& volumes) {
   require(table.find(entry.mountPoint), "a listed volume can be detached");
-  require(identifyVolume(entry.mountPoint, kUser, mounts, volumes, {},
-                         [](const std::string&) { return std::optional<MountPointStatus>(); })
-              .has_value(),
+  require(!mountPointOfVolume(entry.mountPoint, kUser, {mounts, volumes, {}}).empty(),
           "the users of a listed volume can be found");
 }
 

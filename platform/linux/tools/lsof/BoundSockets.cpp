@@ -47,7 +47,8 @@ bool takeRecord(const char*& bytes, std::size_t& size, Header& header, Length He
   return true;
 }
 
-bool isBoundOn(const VolumeIdentity& volume, const char* attributes, std::size_t size) {
+/// The device of the file that a socket with these attributes is bound to.
+std::optional<std::uint64_t> deviceIn(const char* attributes, std::size_t size) {
   rtattr header;
   for (const char* record = attributes; takeRecord(attributes, size, header, &rtattr::rta_len);
        record = attributes) {
@@ -55,17 +56,19 @@ bool isBoundOn(const VolumeIdentity& volume, const char* attributes, std::size_t
     if (header.rta_type != UNIX_DIAG_VFS || header.rta_len < sizeof header + sizeof file) continue;
     std::memcpy(&file, record + sizeof header, sizeof file);
     constexpr unsigned kMinorBits = 20;  // of the kernel's own device numbers
-    const auto device =
-        makedev(file.udiag_vfs_dev >> kMinorBits, file.udiag_vfs_dev & ((1u << kMinorBits) - 1));
-    return volume.hasDevice(device);
+    return makedev(file.udiag_vfs_dev >> kMinorBits, file.udiag_vfs_dev & ((1u << kMinorBits) - 1));
   }
-  return false;
+  return std::nullopt;
+}
+
+bool isBefore(const BoundSocket& one, const BoundSocket& other) {
+  return one.inode < other.inode;
 }
 
 }  // namespace
 
-bool collectBoundSockets(std::string_view datagram, const VolumeIdentity& volume,
-                         std::vector<std::uint64_t>& inodes) {
+bool collectBoundSockets(std::string_view datagram, const VolumeIdentity& volumes,
+                         std::vector<BoundSocket>& sockets) {
   const char* bytes = datagram.data();
   std::size_t size = datagram.size();
   nlmsghdr header;
@@ -76,14 +79,13 @@ bool collectBoundSockets(std::string_view datagram, const VolumeIdentity& volume
     constexpr std::size_t kFixed = sizeof header + sizeof socket;
     if (header.nlmsg_len < kFixed) return false;
     std::memcpy(&socket, record + sizeof header, sizeof socket);
-    if (isBoundOn(volume, record + kFixed, header.nlmsg_len - kFixed)) {
-      inodes.push_back(socket.udiag_ino);
-    }
+    const auto device = deviceIn(record + kFixed, header.nlmsg_len - kFixed);
+    if (device && volumes.hasDevice(*device)) sockets.push_back({socket.udiag_ino, *device});
   }
   return true;
 }
 
-BoundSockets BoundSockets::onVolume(const VolumeIdentity& volume) {
+BoundSockets BoundSockets::onVolumes(const VolumeIdentity& volumes) {
   BoundSockets sockets;
   const Descriptor netlink(socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_SOCK_DIAG));
   struct statx status = {};
@@ -96,14 +98,19 @@ BoundSockets BoundSockets::onVolume(const VolumeIdentity& volume) {
   for (bool more = true; more;) {
     const auto count = recv(netlink.get(), answer.data(), answer.size(), 0);
     more = count > 0 && collectBoundSockets({answer.data(), static_cast<std::size_t>(count)},
-                                            volume, sockets.inodes_);
+                                            volumes, sockets.sockets_);
   }
-  std::sort(sockets.inodes_.begin(), sockets.inodes_.end());
+  std::sort(sockets.sockets_.begin(), sockets.sockets_.end(), isBefore);
   return sockets;
 }
 
-bool BoundSockets::contains(std::uint64_t device, std::uint64_t inode) const {
-  return device == device_ && std::binary_search(inodes_.begin(), inodes_.end(), inode);
+std::optional<std::uint64_t> BoundSockets::placeOf(std::uint64_t device,
+                                                   std::uint64_t inode) const {
+  if (device != device_) return std::nullopt;
+  const auto found =
+      std::lower_bound(sockets_.begin(), sockets_.end(), BoundSocket{inode, 0}, isBefore);
+  if (found == sockets_.end() || found->inode != inode) return std::nullopt;
+  return found->device;
 }
 
 }  // namespace quillmont

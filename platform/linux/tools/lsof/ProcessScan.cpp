@@ -66,25 +66,31 @@ Descriptor livingThread(int process) {
 
 }  // namespace
 
-ProcessScan::ProcessScan(VolumeIdentity volume)
-    : volume_(std::move(volume)), sockets_(BoundSockets::onVolume(volume_)) {}
+ProcessScan::ProcessScan(const std::vector<VolumeIdentity>& volumes)
+    : any_(together(volumes)), sockets_(BoundSockets::onVolumes(any_)) {
+  for (const auto& identity : volumes) volumes_.push_back({.identity = identity, .report = {}});
+}
 
-std::string ProcessScan::report() {
-  report_.clear();
+std::vector<std::string> ProcessScan::reports() {
   const auto processes = openFolder(AT_FDCWD, "/proc", O_RDONLY);
-  if (!processes) return {};
+  if (processes) scanAll(processes);
+  std::vector<std::string> reports;
+  for (auto& volume : volumes_) reports.push_back(std::move(volume.report));
+  return reports;
+}
+
+void ProcessScan::scanAll(const Descriptor& processes) {
   forEachNumber(processes, [&](const char* pid) {
     const auto folder = openFolder(processes.get(), pid, O_PATH);
     if (!folder) return;
     folder_ = folder.get();
     scanProcess(pid);
   });
-  return std::move(report_);
 }
 
 void ProcessScan::scanProcess(const char* pid) {
   pid_ = pid;
-  named_ = false;
+  for (auto& volume : volumes_) volume.named = false;
   mapped_.clear();
   struct statx executable = {};
   int process = folder_;
@@ -97,8 +103,8 @@ void ProcessScan::scanProcess(const char* pid) {
   }
   scanLink(process, "cwd", "cwd");
   scanLink(process, "root", "rtd");
-  if (belongs(executable)) {
-    appendLink(process, "exe", "txt");
+  for (auto* const volume : volumesOf(executable)) {
+    appendLink(*volume, process, "exe", "txt");
     mapped_.emplace_back(deviceOf(executable), executable.stx_ino);
   }
   scanMappings(process);
@@ -107,17 +113,20 @@ void ProcessScan::scanProcess(const char* pid) {
 
 void ProcessScan::scanLink(int process, const char* link, const char* tag) {
   struct statx status = {};
-  if (look(process, link, status) && belongs(status)) appendLink(process, link, tag);
+  if (!look(process, link, status)) return;
+  for (auto* const volume : volumesOf(status)) appendLink(*volume, process, link, tag);
 }
 
 void ProcessScan::scanMappings(int process) {
   const Descriptor maps(openat(process, "maps", O_RDONLY | O_CLOEXEC));
   if (!maps) return;
-  for (const auto& file : mappedFiles(maps.get(), volume_)) {
+  for (const auto& file : mappedFiles(maps.get(), any_)) {
     const std::pair key(file.device, file.inode);
     if (std::find(mapped_.begin(), mapped_.end(), key) != mapped_.end()) continue;
     mapped_.push_back(key);
-    appendFile("mem", file.name);
+    for (auto& volume : volumes_) {
+      if (volume.identity.hasDevice(file.device)) appendFile(volume, "mem", file.name);
+    }
   }
 }
 
@@ -126,39 +135,50 @@ void ProcessScan::scanDescriptors(int process) {
   if (!descriptors) return;
   forEachNumber(descriptors, [&](const char* number) {
     struct statx status = {};
-    if (look(descriptors.get(), number, status) && belongs(status)) {
-      appendLink(descriptors.get(), number, number);
+    if (!look(descriptors.get(), number, status)) return;
+    for (auto* const volume : volumesOf(status)) {
+      appendLink(*volume, descriptors.get(), number, number);
     }
   });
 }
 
-bool ProcessScan::belongs(const struct statx& status) const {
+std::vector<ProcessScan::Volume*> ProcessScan::volumesOf(const struct statx& status) {
   const auto device = deviceOf(status);
-  if (volume_.hasDevice(device)) return true;
-  if ((status.stx_mask & STATX_MNT_ID) != 0 && volume_.hasMount(status.stx_mnt_id)) return true;
-  return S_ISSOCK(status.stx_mode) && sockets_.contains(device, status.stx_ino);
+  const bool hasMount = (status.stx_mask & STATX_MNT_ID) != 0;
+  std::optional<std::uint64_t> bound;
+  if (S_ISSOCK(status.stx_mode)) bound = sockets_.placeOf(device, status.stx_ino);
+  const auto belongsTo = [&](const VolumeIdentity& volume) {
+    return volume.hasDevice(device) || (hasMount && volume.hasMount(status.stx_mnt_id)) ||
+           volume.hasDevice(bound.value_or(device));
+  };
+  std::vector<Volume*> found;
+  if (!belongsTo(any_)) return found;
+  for (auto& volume : volumes_) {
+    if (belongsTo(volume.identity)) found.push_back(&volume);
+  }
+  return found;
 }
 
-void ProcessScan::appendLink(int folder, const char* link, std::string_view tag) {
+void ProcessScan::appendLink(Volume& volume, int folder, const char* link, std::string_view tag) {
   std::array<char, PATH_MAX> name;
   const auto size = readlinkat(folder, link, name.data(), name.size());
-  appendFile(tag,
+  appendFile(volume, tag,
              std::string_view(name.data(), static_cast<std::size_t>(std::max<ssize_t>(size, 0))));
 }
 
-void ProcessScan::appendFile(std::string_view tag, std::string_view name) {
-  if (!named_) {
+void ProcessScan::appendFile(Volume& volume, std::string_view tag, std::string_view name) {
+  if (!volume.named) {
     std::array<char, 64> command;
     const Descriptor comm(openat(folder_, "comm", O_RDONLY | O_CLOEXEC));
     const auto size = comm ? read(comm.get(), command.data(), command.size()) : 0;
     std::string_view text(command.data(), static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
     if (text.ends_with('\n')) text.remove_suffix(1);
-    appendField(report_, 'p', pid_);
-    appendField(report_, 'c', text);
-    named_ = true;
+    appendField(volume.report, 'p', pid_);
+    appendField(volume.report, 'c', text);
+    volume.named = true;
   }
-  appendField(report_, 'f', tag);
-  appendField(report_, 'n', name);
+  appendField(volume.report, 'f', tag);
+  appendField(volume.report, 'n', name);
 }
 
 }  // namespace quillmont

@@ -1,4 +1,4 @@
-// The search through /proc for the processes that use a volume.
+// The search through /proc for the processes that use some volumes.
 #pragma once
 
 #include <cstdint>
@@ -21,29 +21,36 @@ namespace quillmont {
 /// passed over. Of a process's threads the first living one stands for all.
 class ProcessScan {
  public:
-  explicit ProcessScan(VolumeIdentity volume);
+  explicit ProcessScan(const std::vector<VolumeIdentity>& volumes);
 
-  /// The field lines of every process with a working directory, root, executable, mapping or
-  /// descriptor on the volume, in the order of /proc; empty if there is none.
-  std::string report();
+  /// For each of the volumes, in their order: the field lines of every process with a working
+  /// directory, root, executable, mapping or descriptor on it, in the order of /proc; empty if
+  /// there is none.
+  std::vector<std::string> reports();
 
  private:
+  struct Volume {
+    VolumeIdentity identity;
+    std::string report;
+    bool named = false;  ///< the p and c lines of the process at hand are written
+  };
+
+  void scanAll(const Descriptor& processes);
   void scanProcess(const char* pid);
   void scanLink(int process, const char* link, const char* tag);
   void scanMappings(int process);
   void scanDescriptors(int process);
-  bool belongs(const struct statx& status) const;
-  void appendFile(std::string_view tag, std::string_view name);
-  void appendLink(int folder, const char* link, std::string_view tag);
+  std::vector<Volume*> volumesOf(const struct statx& status);
+  void appendFile(Volume& volume, std::string_view tag, std::string_view name);
+  void appendLink(Volume& volume, int folder, const char* link, std::string_view tag);
 
-  const VolumeIdentity volume_;
+  std::vector<Volume> volumes_;
+  const VolumeIdentity any_;  ///< what belongs to any of them
   const BoundSockets sockets_;
-  std::string report_;
 
   // The process at hand.
   const char* pid_ = nullptr;
   int folder_ = -1;                                              ///< /proc/PID
-  bool named_ = false;                                           ///< its p and c lines are written
   std::vector<std::pair<std::uint64_t, std::uint64_t>> mapped_;  ///< device, inode: told already
 };
 

@@ -12,7 +12,9 @@
 namespace quillmont {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::HasSubstr;
+using ::testing::Not;
 
 std::string field(char tag, int number) {
   std::string line;
@@ -32,7 +34,7 @@ class ProcessScanTest : public ::testing::Test {
 
   /// The lines of this process, from its p line to the next one's.
   std::string ownReport() const {
-    const auto report = ProcessScan(volume_).report();
+    const auto report = ProcessScan({volume_}).reports().front();
     const auto start = report.find(field('p', getpid()));
     if (start == report.npos) return "";
     const auto next = report.find("\np", start);
@@ -67,9 +69,20 @@ TEST_F(ProcessScanTest, MountIdentifierAloneIsEnough) {
   EXPECT_THAT(ownReport(), HasSubstr("\nfrtd\nn/\n"));
 }
 
+TEST_F(ProcessScanTest, OneLookTellsSeveralVolumesApart) {
+  const auto root = cachedMountPointStatus("/");
+  ASSERT_TRUE(root);
+  const auto reports = ProcessScan({{}, volume_, {{}, {root->mountId}}, volume_}).reports();
+  ASSERT_EQ(reports.size(), 4u);
+  EXPECT_EQ(reports[0], "");
+  EXPECT_THAT(reports[1], HasSubstr("n/memfd:quillmont\\ntest (deleted)\n"));
+  EXPECT_THAT(reports[2], AllOf(HasSubstr("\nfrtd\nn/\n"), Not(HasSubstr("memfd:quillmont"))));
+  EXPECT_EQ(reports[3], reports[1]);
+}
+
 TEST_F(ProcessScanTest, VolumeThatNobodyUsesHasNoReport) {
   volume_ = {};
-  EXPECT_EQ(ProcessScan(volume_).report(), "");
+  EXPECT_EQ(ProcessScan({volume_}).reports().front(), "");
 }
 
 }  // namespace

@@ -25,17 +25,6 @@ std::uint64_t superDevice(const Mount& mount) {
   return makedev(mount.deviceMajor, mount.deviceMinor);
 }
 
-std::string resolve(std::string path, const std::string& user, const std::vector<Mount>& mounts,
-                    const std::vector<Ghost>& ghosts) {
-  while (path.size() > 1 && path.ends_with('/')) path.pop_back();
-  std::vector<std::string> mountPoints;
-  for (const auto& mount : mounts) mountPoints.push_back(mount.mountPoint);
-  for (const auto& ghost : ghosts) mountPoints.push_back(ghost.mountPoint);
-  const auto mountPoint = volumeMountPoint(path, user, mountPoints);
-  if (!mountPoint.empty()) return mountPoint;
-  return contains(mountPoints, path) ? path : std::string();
-}
-
 const Mount* topMount(const std::string& mountPoint, const std::vector<Mount>& mounts) {
   const Mount* top = nullptr;
   for (const auto& mount : mounts) {
@@ -98,6 +87,15 @@ bool VolumeIdentity::hasMount(std::uint64_t mountId) const {
   return contains(mountIds, mountId);
 }
 
+VolumeIdentity together(const std::vector<VolumeIdentity>& volumes) {
+  VolumeIdentity all;
+  for (const auto& volume : volumes) {
+    for (const auto device : volume.devices) addOnce(all.devices, device);
+    for (const auto mountId : volume.mountIds) addOnce(all.mountIds, mountId);
+  }
+  return all;
+}
+
 std::optional<MountPointStatus> cachedMountPointStatus(const std::string& mountPoint) {
   struct statx status = {};
   constexpr int kFlags = AT_STATX_DONT_SYNC | AT_NO_AUTOMOUNT | AT_SYMLINK_NOFOLLOW;
@@ -106,13 +104,26 @@ std::optional<MountPointStatus> cachedMountPointStatus(const std::string& mountP
   return MountPointStatus{status.stx_mnt_id, makedev(status.stx_dev_major, status.stx_dev_minor)};
 }
 
-std::optional<VolumeIdentity> identifyVolume(const std::string& path, const std::string& user,
-                                             const std::vector<Mount>& mounts,
-                                             const std::vector<VolumeMount>& volumes,
-                                             const std::vector<Ghost>& ghosts,
-                                             const MountPointReader& statusOf) {
-  const auto mountPoint = resolve(path, user, mounts, ghosts);
-  if (mountPoint.empty()) return std::nullopt;
+std::vector<std::string> mountPointsOf(const VolumeSurroundings& system) {
+  std::vector<std::string> mountPoints;
+  for (const auto& mount : system.mounts) mountPoints.push_back(mount.mountPoint);
+  for (const auto& ghost : system.ghosts) mountPoints.push_back(ghost.mountPoint);
+  return mountPoints;
+}
+
+std::string mountPointOfVolume(const std::string& path, const std::string& user,
+                               const VolumeSurroundings& system) {
+  auto asked = path;
+  while (asked.size() > 1 && asked.ends_with('/')) asked.pop_back();
+  const auto mountPoints = mountPointsOf(system);
+  const auto mountPoint = volumeMountPoint(asked, user, mountPoints);
+  if (!mountPoint.empty()) return mountPoint;
+  return contains(mountPoints, asked) ? asked : std::string();
+}
+
+VolumeIdentity identifyVolume(const std::string& mountPoint, const VolumeSurroundings& system,
+                              const MountPointReader& statusOf) {
+  const auto& [mounts, volumes, ghosts] = system;
   VolumeIdentity volume;
   const auto* const top = topMount(mountPoint, mounts);
   if (top) addMount(volume, *top, mounts, statusOf);

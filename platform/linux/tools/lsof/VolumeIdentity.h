@@ -26,6 +26,9 @@ struct VolumeIdentity {
   bool operator==(const VolumeIdentity&) const = default;
 };
 
+/// What belongs to any of `volumes`.
+VolumeIdentity together(const std::vector<VolumeIdentity>& volumes);
+
 /// What statx() answers for a mount point.
 struct MountPointStatus {
   std::uint64_t mountId = 0;
@@ -36,14 +39,25 @@ using MountPointReader = std::function<std::optional<MountPointStatus>(const std
 /// The status from what the kernel has in memory: wakes nothing, mounts nothing and asks no server.
 std::optional<MountPointStatus> cachedMountPointStatus(const std::string& mountPoint);
 
-/// The identity of the volume that is presented to `user` as `path`, or that is mounted at `path`;
-/// a slash at the end does not count. Where mounts are stacked, the one on top; a ghost's is added.
-/// Of an image, whose mounts are among `volumes`, it covers every volume and ghost: an image is
-/// detached whole, so its users are counted whole. Nothing if no volume is there.
-std::optional<VolumeIdentity> identifyVolume(const std::string& path, const std::string& user,
-                                             const std::vector<Mount>& mounts,
-                                             const std::vector<VolumeMount>& volumes,
-                                             const std::vector<Ghost>& ghosts,
-                                             const MountPointReader& statusOf);
+/// The system as the identities of its volumes come out of it.
+struct VolumeSurroundings {
+  std::vector<Mount> mounts;
+  std::vector<VolumeMount> volumes;  ///< those of `mounts` that are of images
+  std::vector<Ghost> ghosts;
+};
+
+/// Where anything is or was mounted.
+std::vector<std::string> mountPointsOf(const VolumeSurroundings& system);
+
+/// Where the volume is or was mounted that is presented to `user` as `path`, or that is mounted at
+/// `path`; a slash at the end does not count. Empty if no volume is there.
+std::string mountPointOfVolume(const std::string& path, const std::string& user,
+                               const VolumeSurroundings& system);
+
+/// The identity of what is or was mounted at `mountPoint`. Where mounts are stacked, the one on
+/// top; a ghost's is added. Of an image it covers every volume and ghost: an image is detached
+/// whole, so its users are counted whole.
+VolumeIdentity identifyVolume(const std::string& mountPoint, const VolumeSurroundings& system,
+                              const MountPointReader& statusOf);
 
 }  // namespace quillmont

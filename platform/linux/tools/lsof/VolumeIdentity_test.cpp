@@ -33,11 +33,13 @@ Ghost ghostAt(const std::string& mountPoint, std::uint64_t mountId) {
 class VolumeIdentityTest : public ::testing::Test {
  protected:
   std::optional<VolumeIdentity> identify(const std::string& path) {
-    return identifyVolume(
-        path, "ann", mounts_, volumes_, ghosts_, [this](const std::string& mountPoint) {
-          const auto found = statuses_.find(mountPoint);
-          return found == statuses_.end() ? std::nullopt : std::optional(found->second);
-        });
+    const VolumeSurroundings system = {mounts_, volumes_, ghosts_};
+    const auto mountPoint = mountPointOfVolume(path, "ann", system);
+    if (mountPoint.empty()) return std::nullopt;
+    return identifyVolume(mountPoint, system, [this](const std::string& place) {
+      const auto found = statuses_.find(place);
+      return found == statuses_.end() ? std::nullopt : std::optional(found->second);
+    });
   }
 
   std::vector<Mount> mounts_ = {mountAt(20, 1, 0, "/"), mountAt(21, 20, 1, "/media/ann/Disk"),

@@ -2,7 +2,7 @@
 
 #include <unistd.h>
 
-#include <iostream>
+#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -10,38 +10,85 @@
 #include "platform/linux/image_devices.h"
 #include "platform/linux/mount_table.h"
 #include "platform/linux/tools/lsof/ProcessScan.h"
+#include "platform/linux/tools/lsof/SharedLook.h"
 #include "platform/linux/tools/lsof/VolumeIdentity.h"
 #include "platform/linux/user_folders.h"
+#include "platform/linux/volume_paths.h"
 #include "platform/posix/files.h"
 
+namespace quillmont {
 namespace {
 
 constexpr int kUsage = 2;
 
+/// Not through std::cerr: what streams need to come up would be a fifth of the tool's start.
 int fail(int status, const std::string& line) {
-  std::cerr << line << '\n';
+  static_cast<void>(writeAll(STDERR_FILENO, line + '\n'));
   return status;
 }
 
-int listOpenFiles(const std::string& path) {
-  using namespace quillmont;
-  const auto mounts = readMountTable();
-  if (!mounts) return fail(1, "lsof: " + mounts.errorText());
-  const auto volume = identifyVolume(path, userName(), *mounts, imageMounts(*mounts),
-                                     livingGhosts(), cachedMountPointStatus);
-  if (!volume) return fail(1, "lsof: no volume is mounted at " + path);
-  const auto report = ProcessScan(*volume).report();
+int answer(const std::string& report) {
   if (report.empty()) return 1;
   const auto written = writeAll(STDOUT_FILENO, report);
-  if (!written) return fail(1, "lsof: " + written.errorText());
-  return 0;
+  return written ? 0 : fail(1, "lsof: " + written.errorText());
+}
+
+/// The places of all images but `asked`, each once.
+std::vector<std::string> otherPlaces(const std::string& asked, const VolumeSurroundings& system) {
+  std::vector<std::string> places;
+  for (const auto& volume : system.volumes) places.push_back(volume.mount.mountPoint);
+  for (const auto& ghost : system.ghosts) places.push_back(ghost.mountPoint);
+  std::sort(places.begin(), places.end());
+  places.erase(std::unique(places.begin(), places.end()), places.end());
+  std::erase(places, asked);
+  return places;
+}
+
+/// Looks for the users of all images at once, and keeps what it finds about those that are not at
+/// `asked`. The report about `asked`.
+std::string lookForAll(const std::string& asked, const std::string& user,
+                       const VolumeSurroundings& system, const SharedLook& shared) {
+  const auto began = timeSinceBoot();
+  shared.drop();
+  std::vector<VolumeIdentity> volumes = {identifyVolume(asked, system, cachedMountPointStatus)};
+  const auto places = otherPlaces(asked, system);
+  for (const auto& place : places) {
+    volumes.push_back(identifyVolume(place, system, cachedMountPointStatus));
+  }
+  auto reports = ProcessScan(volumes).reports();
+  const auto allPlaces = mountPointsOf(system);
+  std::vector<VolumeAnswer> answers;
+  for (std::size_t index = 0; index < places.size(); ++index) {
+    answers.push_back(
+        {presentedVolumePath(places[index], user, allPlaces), std::move(reports[index + 1])});
+  }
+  if (!answers.empty()) shared.keep(answers, began);
+  return reports.front();
+}
+
+int listOpenFiles(const std::string& path) {
+  const auto table = readFile(kMountTable);
+  if (!table) return fail(1, "lsof: " + table.errorText());
+  const auto shared = SharedLook::ofParent(*table);
+  if (shared) {
+    if (const auto kept = shared->take(path, timeSinceBoot())) return answer(*kept);
+  }
+  VolumeSurroundings system = {parseMountTable(*table), {}, livingGhosts()};
+  system.volumes = imageMounts(system.mounts);
+  const auto user = userName();
+  const auto mountPoint = mountPointOfVolume(path, user, system);
+  if (mountPoint.empty()) return fail(1, "lsof: no volume is mounted at " + path);
+  if (shared) return answer(lookForAll(mountPoint, user, system, *shared));
+  const auto volume = identifyVolume(mountPoint, system, cachedMountPointStatus);
+  return answer(ProcessScan({volume}).reports().front());
 }
 
 }  // namespace
+}  // namespace quillmont
 
 int main(int argc, char* argv[]) {
   const bool understood =
       argc == 4 && std::string_view(argv[1]) == "-F" && std::string_view(argv[2]) == "cpn";
-  if (!understood) return fail(kUsage, "usage: lsof -F cpn <mount point>");
-  return listOpenFiles(argv[3]);
+  if (!understood) return quillmont::fail(quillmont::kUsage, "usage: lsof -F cpn <mount point>");
+  return quillmont::listOpenFiles(argv[3]);
 }

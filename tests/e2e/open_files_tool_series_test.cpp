@@ -1,0 +1,136 @@
+// The open-files tool, asked about one image after another: what one look has found out answers for
+// all, and no user is missed for it.
+
+#include <chrono>
+#include <map>
+#include <thread>
+
+#include "platform/linux/question_series.h"
+#include "tests/e2e/OpenFilesTool.h"
+#include "tests/support/Holder.h"
+
+namespace quillmont {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::Holder;
+
+/// Two images, each with a file.
+class OpenFilesToolSeries : public OpenFilesTool {
+ protected:
+  void SetUp() override {
+    ASSERT_NO_FATAL_FAILURE(OpenFilesTool::SetUp());
+    if (IsSkipped()) return;
+    chmod(runtime_.path().c_str(), 0700);
+    for (const auto& volume : {one_, two_}) ASSERT_NO_FATAL_FAILURE(mountImage(volume));
+  }
+
+  void mountImage(const std::string& place) {
+    if (IsSkipped()) return;
+    const auto image = place + ".img";
+    std::ofstream(image).close();
+    std::filesystem::resize_file(image, 4u << 20);
+    std::filesystem::create_directory(place);
+    if (testing::run({"mkfs.ext4", "-q", image}).status != 0 ||
+        testing::run({"mount", "-o", "loop", image, place}).status != 0) {
+      GTEST_SKIP() << "no loop device on this machine";
+    }
+    mounted_.push_back(place);
+    ASSERT_TRUE(std::ofstream(place + "/file") << "x");
+  }
+
+  testing::Environment series() const {
+    return testing::environmentWith({{kSeriesVariable, "1"}, {"XDG_RUNTIME_DIR", runtime_.path()}});
+  }
+
+  Pids usersInSeries(const std::string& place) const {
+    return pidsIn(testing::run({kTool, "-F", "cpn", place}, series()).standardOutput);
+  }
+
+  /// Whether the look at hand still has an answer to give.
+  bool hasAnswersLeft() const {
+    std::ostringstream text;
+    text << std::ifstream(runtime_.path() + "/com.norwaldex.Quillmont/look").rdbuf();
+    return text.str().find(std::string("new\0/", 5)) != std::string::npos;
+  }
+
+  Holder holderOf(const std::string& place) const {
+    return Holder([&] { return opened(place + "/file", O_RDONLY); });
+  }
+
+  const testing::TemporaryFolder runtime_;
+  const std::string one_ = folder_.path() + "/one";
+  const std::string two_ = folder_.path() + "/two";
+};
+
+TEST_F(OpenFilesToolSeries, UsersOfEachImageAreToldApartByOneLook) {
+  const auto first = holderOf(one_);
+  const auto second = holderOf(two_);
+  EXPECT_EQ(usersInSeries(one_), Pids{first.pid()});
+  EXPECT_TRUE(hasAnswersLeft());
+  EXPECT_EQ(usersInSeries(two_), Pids{second.pid()});
+}
+
+TEST_F(OpenFilesToolSeries, AnswersAreTheSameAsThoseOfALookOfOnesOwn) {
+  const auto first = holderOf(two_);
+  const Holder second([&] { return chdir(two_.c_str()) == 0; });
+  usersInSeries(one_);
+  const auto own = ask(two_);
+  const auto shared = testing::run({kTool, "-F", "cpn", two_}, series());
+  EXPECT_EQ(shared.standardOutput, own.standardOutput);
+  EXPECT_EQ(shared.status, own.status);
+}
+
+TEST_F(OpenFilesToolSeries, ImageThatIsAskedAboutAgainIsLookedAtAnew) {
+  EXPECT_EQ(usersInSeries(one_), Pids{});
+  const auto first = holderOf(one_);
+  const auto second = holderOf(two_);
+  EXPECT_EQ(usersInSeries(one_), Pids{first.pid()});
+  EXPECT_EQ(usersInSeries(two_), Pids{second.pid()}) << "the new look saw this one, too";
+  EXPECT_EQ(usersInSeries(two_), Pids{second.pid()});
+}
+
+TEST_F(OpenFilesToolSeries, LookIsTooOldAfterASecond) {
+  EXPECT_EQ(usersInSeries(one_), Pids{});
+  const auto holder = holderOf(two_);
+  std::this_thread::sleep_for(1s);
+  EXPECT_EQ(usersInSeries(two_), Pids{holder.pid()});
+}
+
+TEST_F(OpenFilesToolSeries, OtherProcessHasALookOfItsOwn) {
+  EXPECT_EQ(usersInSeries(one_), Pids{});
+  const auto holder = holderOf(two_);
+  const auto outcome =
+      testing::run({"sh", "-c", "\"$1\" -F cpn \"$2\"; exit 7", "sh", kTool, two_}, series());
+  EXPECT_EQ(outcome.status, 7);
+  EXPECT_EQ(pidsIn(outcome.standardOutput), Pids{holder.pid()});
+}
+
+TEST_F(OpenFilesToolSeries, WhoStartsTheToolByHandHasALookOfTheirOwn) {
+  EXPECT_EQ(usersInSeries(one_), Pids{});
+  const auto holder = holderOf(two_);
+  const auto outcome = testing::run(
+      {kTool, "-F", "cpn", two_}, testing::environmentWith({{"XDG_RUNTIME_DIR", runtime_.path()}}));
+  EXPECT_EQ(pidsIn(outcome.standardOutput), Pids{holder.pid()});
+}
+
+TEST_F(OpenFilesToolSeries, MountThatHasComeSinceMeansANewLook) {
+  EXPECT_EQ(usersInSeries(one_), Pids{});
+  const auto holder = holderOf(two_);
+  ASSERT_NO_FATAL_FAILURE(mountMemory(folder_.path() + "/three"));
+  EXPECT_EQ(usersInSeries(two_), Pids{holder.pid()});
+}
+
+TEST_F(OpenFilesToolSeries, ImageThatTookThePlaceOfAnotherIsLookedAtAnew) {
+  EXPECT_EQ(usersInSeries(one_), Pids{});
+  ASSERT_EQ(umount2(two_.c_str(), 0), 0);
+  mounted_.pop_back();
+  ASSERT_NO_FATAL_FAILURE(mountMemory(folder_.path() + "/between"));
+  ASSERT_EQ(testing::run({"mount", "-o", "loop", two_ + ".img", two_}).status, 0);
+  mounted_.push_back(two_);
+  const auto holder = holderOf(two_);
+  EXPECT_EQ(usersInSeries(two_), Pids{holder.pid()});
+}
+
+}  // namespace
+}  // namespace quillmont
