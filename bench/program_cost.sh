@@ -136,6 +136,12 @@ resting_cost "$pid"
 minute_of_control=$own_minute
 ends "$pid" quillmont_tray_control
 
+starts quillmont_tray_control "$control" --timer --starts $((${#attached[@]} + 1))
+sleep 2
+resting_cost "$pid"
+minute_of_starts=$own_minute
+ends "$pid" quillmont_tray_control
+
 starts Quillmont "$quillmont"
 sleep 8
 row "memory (PSS), panel hidden, ${#attached[@]} images : the same" \
@@ -144,6 +150,7 @@ row "memory (PSS), panel hidden, ${#attached[@]} images : the same" \
 resting_cost "$pid"
 row "own CPU a minute, panel hidden, ${#attached[@]} images : the same, a 1 Hz timer" \
   "$own_minute" "$minute_of_control" ms ratio 2
+row "the same : the same, and as many bare starts of a program" "$own_minute" "$minute_of_starts" ms ratio 2
 if [ ${#attached[@]} = $images ] && type -P lsof >/dev/null; then
   ask_system_tool
   row "all CPU a minute, $images images : the same questions to the system's tool" \

@@ -7,14 +7,18 @@
 #include <spawn.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
+
+#include "platform/linux/question_series.h"
 
 namespace quillmont {
 namespace {
@@ -30,7 +34,35 @@ std::string ownTool() {
          "/Quillmont/Contents/libexec/lsof";
 }
 
-/// Ten small volumes that this process and its children alone see.
+double secondsOf(const timeval& time) {
+  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
+}
+
+/// Runs the program to its end; the CPU time that it has taken, or less than 0 if it does not run.
+double spentBy(const std::vector<std::string>& command) {
+  std::vector<char*> arguments;
+  for (const auto& argument : command) arguments.push_back(const_cast<char*>(argument.c_str()));
+  arguments.push_back(nullptr);
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) {
+    posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_WRONLY, 0);
+  }
+  pid_t pid = 0;
+  const int failure = posix_spawn(&pid, arguments[0], &actions, nullptr, arguments.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  if (failure != 0) return -1;
+  rusage usage = {};
+  wait4(pid, nullptr, 0, &usage);
+  return secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime);
+}
+
+dev_t deviceOf(const std::string& path) {
+  struct stat status = {};
+  return stat(path.c_str(), &status) == 0 ? status.st_dev : 0;
+}
+
+/// Ten small disk images whose volumes this process and its children alone see.
 class Volumes {
  public:
   Volumes() {
@@ -41,10 +73,17 @@ class Volumes {
     }
     if (!mkdtemp(name)) return;
     folder_ = name;
+    setenv("XDG_RUNTIME_DIR", name, 1);
     for (int number = 0; number < kVolumes; ++number) {
       const auto place = folder_ + "/" + std::to_string(number);
+      const auto image = place + ".img";
+      std::ofstream(image).close();
+      fs::resize_file(image, 4u << 20);
       fs::create_directory(place);
-      if (mount("quillmont", place.c_str(), "tmpfs", 0, "size=64k") != 0) return;
+      static_cast<void>(spentBy({"/sbin/mkfs.ext4", "-q", image}));
+      // The loop device goes with the mount.
+      static_cast<void>(spentBy({"/bin/mount", "-o", "loop", image, place}));
+      if (deviceOf(place) == deviceOf(folder_)) return;
       places_.push_back(place);
     }
   }
@@ -95,34 +134,11 @@ class Crowd {
   std::vector<pid_t> members_;
 };
 
-double secondsOf(const timeval& time) {
-  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
-}
-
-/// Runs the program to its end; the CPU time that it has taken, or less than 0 if it does not run.
-double spentBy(const std::vector<std::string>& command) {
-  std::vector<char*> arguments;
-  for (const auto& argument : command) arguments.push_back(const_cast<char*>(argument.c_str()));
-  arguments.push_back(nullptr);
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) {
-    posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_WRONLY, 0);
-  }
-  pid_t pid = 0;
-  const int failure = posix_spawn(&pid, arguments[0], &actions, nullptr, arguments.data(), environ);
-  posix_spawn_file_actions_destroy(&actions);
-  if (failure != 0) return -1;
-  rusage usage = {};
-  wait4(pid, nullptr, 0, &usage);
-  return secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime);
-}
-
 /// `commandsFor` names what is run in an iteration.
 template <class CommandsFor>
 void measure(benchmark::State& state, const std::string& program, CommandsFor commandsFor) {
   if (access(program.c_str(), X_OK) != 0) return state.SkipWithError(("no " + program).c_str());
-  if (!volumes().complete()) return state.SkipWithError("this user may not mount volumes");
+  if (!volumes().complete()) return state.SkipWithError("this user may not mount disk images");
   static std::unique_ptr<Crowd> crowd;
   if (state.range(0) > 0 && !crowd) crowd = std::make_unique<Crowd>(state.range(0));
   for (auto _ : state) {
@@ -147,8 +163,10 @@ void listOfVolumeUsers(benchmark::State& state) {
   measure(state, kVolumeUsers, [] { return Commands{{kVolumeUsers, "-m", volumes().at(0)}}; });
 }
 
+/// As in a cycle of the program, which says that it asks in series.
 void openFilesOfTenVolumes(benchmark::State& state) {
   const auto tool = ownTool();
+  setenv(kSeriesVariable, "1", 1);
   measure(state, tool, [&] {
     Commands commands;
     for (int number = 0; number < kVolumes; ++number) {
@@ -156,6 +174,7 @@ void openFilesOfTenVolumes(benchmark::State& state) {
     }
     return commands;
   });
+  unsetenv(kSeriesVariable);
 }
 
 /// All of the few processes that there are come first, then those beside many more.

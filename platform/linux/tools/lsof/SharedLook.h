@@ -9,7 +9,7 @@
 //  - once for each volume: who asks again wants to know anew, and with that look a new series
 //  begins;
 //  - while the mount table is the same, byte for byte;
-//  - within a fraction of a second, counted from the beginning of the look, also through a sleep of
+//  - within less than a second, counted from the beginning of the look, also through a sleep of
 //    the machine.
 // Whatever does not fit, or cannot be read, means a new look.
 #pragma once
@@ -22,9 +22,9 @@
 
 namespace quillmont {
 
-/// How long after its beginning a look may answer. Whoever reads the answer should have it within a
-/// second.
-inline constexpr std::chrono::milliseconds kLookIsFresh(500);
+/// How long after its beginning a look may answer: a second, less what it takes to hand the answer
+/// on. Time enough for a thousand processes and many images on a busy machine.
+inline constexpr std::chrono::milliseconds kLookIsFresh(900);
 
 /// What is said about the volume that is asked for as `path`.
 struct VolumeAnswer {
