@@ -19,4 +19,6 @@ install(PROGRAMS packaging/resources/uninstall.sh DESTINATION lib/quillmont/Cont
 add_custom_target(quillmont_bundle DEPENDS Quillmont tool_hdiutil tool_launchctl tool_lsof
                   tool_osascript)
 
+include(cmake/LinuxPackage.cmake)
+
 add_subdirectory(demo)
