@@ -160,6 +160,8 @@ void PropertyListDefaults::removePersistentDomain(std::string_view domain) {
       log_.write("Failed to remove settings: " + path + ": " + errorText(errno));
     }
   }
+  // Refused as long as something is in it: a damaged file that was set aside, say.
+  static_cast<void>(rmdir(folder_.c_str()));
 }
 
 }  // namespace quillmont

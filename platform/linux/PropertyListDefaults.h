@@ -30,8 +30,8 @@ class PropertyListDefaults : public UserDefaults {
   void setBool(std::string_view key, bool value) override;
   void setObject(std::string_view key, PropertyList value) override;
 
-  /// Of its own domain; any other one is none of its business. The file is deleted, the folder
-  /// stays.
+  /// Of its own domain; any other one is none of its business. The file is deleted, and the folder
+  /// if nothing else is in it.
   void removePersistentDomain(std::string_view domain) override;
 
  private:

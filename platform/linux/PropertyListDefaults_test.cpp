@@ -298,9 +298,18 @@ TEST_F(PropertyListDefaultsTest, RemovingTheDomainForgetsMemoryAndFile) {
   ASSERT_TRUE(replaceFile(file() + ".new", "leftover"));
   defaults.removePersistentDomain(kDomain);
   EXPECT_EQ(defaults.object("a"), std::nullopt);
-  EXPECT_THAT(namesIn(folder()), IsEmpty());
+  EXPECT_THAT(namesIn(home_.path()), IsEmpty());
   defaults.setBool("b", true);
   EXPECT_EQ(stored(), PropertyList(PropertyListDictionary{{"b", true}}));
+}
+
+TEST_F(PropertyListDefaultsTest, RemovingTheDomainLeavesWhatElseIsInTheFolder) {
+  auto defaults = start();
+  defaults.setBool("a", true);
+  ASSERT_TRUE(replaceFile(folder() + "/other", "kept"));
+  defaults.removePersistentDomain(kDomain);
+  EXPECT_THAT(namesIn(folder()), ElementsAre("other"));
+  EXPECT_THAT(log_.lines(), IsEmpty());
 }
 
 TEST_F(PropertyListDefaultsTest, RemovingADomainThatWasNeverWrittenIsSilent) {
