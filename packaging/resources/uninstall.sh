@@ -219,9 +219,18 @@ find_package() {
   [ -n "$package" ]
 }
 
+# Where the program was ended from its panel nobody reads what is said here.
+tell_about_package() {
+  local notify=$bundle/Contents/libexec/osascript
+  [ -x "$notify" ] || return 0
+  "$notify" -e "display notification \"设置和登录项已删除。程序由软件包安装，请用 sudo apt-get remove $package 删除。\"\
+ with title \"Quillmont 已卸载\" sound name \"default\"" 2>/dev/null || :
+}
+
 remove_application_of_linux() {
   if find_package; then
     say "left $bundle: it is a package's, and goes with sudo apt-get remove $package"
+    tell_about_package
     return 0
   fi
   case $bundle in
@@ -233,14 +242,21 @@ remove_application_of_linux() {
 
 # remove_tree_and_links PREFIX
 remove_tree_and_links() {
-  local link
+  local link folder_of_icons
   link=$(readlink "$1/bin/quillmont" 2>/dev/null)
   erase_application || return 0
   case $link in
     "$bundle/$program" | "../lib/quillmont/$program") erase file "$1/bin" quillmont ;;
   esac
   erase file "$1/share/applications" quillmont.desktop
-  erase file "$1/share/icons/hicolor/scalable/apps" quillmont.svg
+  erase file "$1/share/metainfo" "$identifier.metainfo.xml"
+  for folder_of_icons in "$1"/share/icons/hicolor/*/apps; do
+    erase file "$folder_of_icons" quillmont.png
+    erase file "$folder_of_icons" quillmont.svg
+  done
+  erase file "$1/share/man/man1" quillmont.1.gz
+  erase file "$1/share/man/zh_CN/man1" quillmont.1.gz
+  erase tree "$1/share/doc" quillmont
 }
 
 erase_application() {

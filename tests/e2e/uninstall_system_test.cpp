@@ -3,6 +3,8 @@
 // of the test's own.
 
 #include "tests/e2e/UninstallTest.h"
+#include "tests/support/NotificationRecorder.h"
+#include "tests/support/PrivateBus.h"
 #include "tests/support/forked.h"
 
 namespace quillmont::testing {
@@ -80,6 +82,23 @@ TEST_F(UninstallPackage, ApplicationOfAPackageIsLeftToThePackageManager) {
                 "\nleft " + bundle +
                 ": it is a package's, and goes with sudo apt-get remove quillmont\n");
   EXPECT_EQ(listingOf(home + "/.local"), before);
+}
+
+/// Who uninstalls from the panel reads no output.
+TEST_F(UninstallPackage, NotificationSaysHowTheApplicationGoes) {
+  if (!PrivateBus::available()) GTEST_SKIP() << "there is no dbus-daemon here";
+  const PrivateBus bus;
+  const NotificationRecorder recorder(bus.address());
+  environment["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
+  const auto tool = "/Contents/libexec/osascript";
+  fs::create_directories(bundle + "/Contents/libexec");
+  fs::copy(QUILLMONT_BUNDLE + std::string(tool), bundle + tool);
+  putDatabase("quillmont-beta", bundle + "/Contents/MacOS/Quillmont");
+  uninstallWithDatabase();
+  ASSERT_TRUE(recorder.waitForNotifications(1, std::chrono::seconds(10)));
+  const auto notification = recorder.notifications().front();
+  EXPECT_EQ(notification.title, "Quillmont 已卸载");
+  EXPECT_THAT(notification.body, HasSubstr("请用 sudo apt-get remove quillmont-beta 删除。"));
 }
 
 TEST_F(UninstallPackage, ApplicationThatThePackageManagerDoesNotKnowGoes) {

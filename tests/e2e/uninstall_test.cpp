@@ -26,6 +26,11 @@ class Uninstall : public UninstallTest {
     put(home + "/.local/share/quillmont.old/Library/LaunchAgents/" + kAgent, "another one's");
     put(home + "/.local/share/applications/org.quillmont.desktop", "another one's");
     put(home + "/.local/share/icons/hicolor/scalable/apps/quillmont2.svg", "another one's");
+    put(home + "/.local/share/icons/hicolor/48x48/apps/quillmont2.png", "another one's");
+    put(home + "/.local/share/metainfo/com.norwaldex.Quillmont2.metainfo.xml", "another one's");
+    put(home + "/.local/share/man/man1/quillmont2.1.gz", "another one's");
+    put(home + "/.local/share/man/zh_CN/man1/quillmont2.1.gz", "another one's");
+    put(home + "/.local/share/doc/quillmont2/copyright", "another one's");
     put(home + "/.local/state/quillmonts/log", "another one's");
     put(home + "/.local/lib/quillmont2/Contents/MacOS/Quillmont", "another one's");
     put(home + "/.local/bin/quillmontctl", "another one's");
@@ -52,6 +57,11 @@ class Uninstall : public UninstallTest {
     link("../lib/quillmont/Contents/MacOS/Quillmont", home + "/.local/bin/quillmont");
     put(home + "/.local/share/applications/quillmont.desktop");
     put(home + "/.local/share/icons/hicolor/scalable/apps/quillmont.svg");
+    put(home + "/.local/share/icons/hicolor/48x48/apps/quillmont.png");
+    put(home + "/.local/share/metainfo/com.norwaldex.Quillmont.metainfo.xml");
+    put(home + "/.local/share/man/man1/quillmont.1.gz");
+    put(home + "/.local/share/man/zh_CN/man1/quillmont.1.gz");
+    put(home + "/.local/share/doc/quillmont/copyright");
     putAgentAndLoginItem();
     put(home + "/.config/autostart/" + kEntry + ".new");
     put(settingsFolder + "/" + kSettings);
