@@ -95,6 +95,17 @@ TEST_F(SystemFaultsOnImages, SessionWithoutABusIsWatchedAndTheLostNotificationIs
   EXPECT_EQ(terminate(), 0);
 }
 
+TEST_F(SystemFaultsOnImages, BusThatSaysNothingIsGivenUpAtTheStart) {
+  const auto mountPoint = attach("Patient");
+  bus->silence();
+  start();
+  EXPECT_TRUE(
+      program->waitForOutput("The session bus does not answer: going on without it.\n", 15s))
+      << output();
+  EXPECT_TRUE(waitUntilIdle(mountPoint)) << output();
+  EXPECT_EQ(terminate(), 0);
+}
+
 class SystemFaults : public ProgramTest {
  protected:
   /// Whether the test may become somebody whose processes are counted; the superuser's are not.

@@ -17,7 +17,7 @@ platform                : :
 platform/view           : platform :
 platform/posix          : platform : (sys/)?[a-z_]+\.h
 platform/linux          : platform platform/posix platform/linux/desktop : (sys/)?[a-z_]+\.h
-platform/linux/desktop  : platform platform/posix platform/view platform/linux platform/linux/views : (sys/|xcb/)?[a-z_]+\.h|Q[A-Za-z]+
+platform/linux/desktop  : platform platform/posix platform/view platform/linux platform/linux/views : (sys/|xcb/)?[a-z_]+\.h|systemd/sd-bus\.h|Q[A-Za-z]+
 platform/linux/views    : platform platform/view platform/linux/desktop : Q[A-Za-z]+
 platform/linux/tools    : platform platform/posix platform/linux : ((sys|linux)/)?[a-z_]+\.h
 platform/linux/tools/hdiutil   : platform platform/posix platform/linux : ((sys|linux|systemd|blkid)/)?[a-z_-]+\.h

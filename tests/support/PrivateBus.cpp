@@ -40,6 +40,10 @@ void PrivateBus::kill() {
   daemon_.waitForExit(std::chrono::seconds(10));
 }
 
+void PrivateBus::silence() {
+  daemon_.signal(SIGSTOP);
+}
+
 Environment PrivateBus::environment() const {
   return environmentWith({{"DBUS_SESSION_BUS_ADDRESS", address_}});
 }

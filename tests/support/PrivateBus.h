@@ -23,6 +23,9 @@ class PrivateBus {
   /// The daemon dies; everybody on the bus finds himself without one.
   void kill();
 
+  /// The daemon takes connections, and never says a word any more.
+  void silence();
+
   /// The test's environment with this bus for its session's.
   Environment environment() const;
 

@@ -2,6 +2,7 @@
 
 #include <QEvent>
 #include <QFont>
+#include <chrono>
 #include <cstdlib>
 
 #include "platform/linux/desktop/display_platform.h"
@@ -10,6 +11,11 @@
 #include "platform/linux/views/text_lines.h"
 
 namespace quillmont {
+namespace {
+
+constexpr std::chrono::seconds kBusPatience(10);
+
+}  // namespace
 
 /// The session manager's wish. Qt would ask the windows first, of which a panel closes for nobody.
 class QtApplication::QuitFilter : public QObject {
@@ -32,6 +38,7 @@ QtApplication::~QtApplication() = default;
 QtApplication::QtApplication(EventLoop& loop, Log& log) : LinuxApplication(loop), log_(log) {
   sendQtMessagesTo(log);
   keepFromStartingSessionBus();
+  leaveSilentSessionBus(kBusPatience, log);
   const bool ownChoice = !qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
   arguments_.texts = {"Quillmont"};
   if (ownChoice) {

@@ -1,14 +1,22 @@
 // The session's message bus, taken as it is found.
 #pragma once
 
+#include <chrono>
 #include <string>
 
 namespace quillmont {
+
+class Log;
 
 /// Where no bus is named, the bus library would start one that nobody else knows and that stays
 /// behind. This names the place where a session's bus is, whether there is one or not. For this
 /// process and its children; before any other thread is there.
 void keepFromStartingSessionBus();
+
+/// A bus that takes connections and then says nothing would keep the toolkit waiting for ever.
+/// After `patience` this process and its children go on without, which the log is told. To be
+/// called behind the one above, under the same conditions.
+void leaveSilentSessionBus(std::chrono::milliseconds patience, Log& log);
 
 /// The address of the bus socket in `runtimeFolder`.
 std::string busAddressIn(const std::string& runtimeFolder);

@@ -2,14 +2,25 @@
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <chrono>
+#include <cstring>
+#include <string>
+
+#include "platform/posix/Descriptor.h"
+#include "tests/support/PrivateBus.h"
+#include "tests/support/SharedLog.h"
 #include "tests/support/forked.h"
 
 namespace quillmont {
 namespace {
 
 using testing::forked;
+using testing::SharedLog;
 
 TEST(SessionBus, ANamedOneIsKept) {
   EXPECT_EQ(forked([] {
@@ -42,6 +53,50 @@ TEST(SessionBus, WithoutARuntimeFolderItIsTheUsualOne) {
                         "unix:path=/run/user/" + std::to_string(getuid()) + "/bus");
             }),
             0);
+}
+
+/// The socket at `path`, with nobody who ever answers.
+Descriptor silentSocket(const std::string& path) {
+  Descriptor result(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  sockaddr_un address = {};
+  address.sun_family = AF_UNIX;
+  EXPECT_LT(path.size(), sizeof address.sun_path);
+  std::memcpy(address.sun_path, path.data(), std::min(path.size(), sizeof address.sun_path - 1));
+  EXPECT_EQ(bind(result.get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+  EXPECT_EQ(listen(result.get(), 8), 0);
+  return result;
+}
+
+/// What is left of the bus at `address` when it has been looked at for `patience`, and what is
+/// told.
+void expectLeft(const std::string& address, std::chrono::milliseconds patience, bool left) {
+  EXPECT_EQ(forked([&] {
+              SharedLog log;
+              setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
+              leaveSilentSessionBus(patience, log);
+              EXPECT_EQ(getenv("DBUS_SESSION_BUS_ADDRESS"),
+                        left ? std::string("unix:path=/dev/null") : address);
+              EXPECT_EQ(log.lines().size(), left ? 1u : 0u);
+            }),
+            0);
+}
+
+TEST(SessionBus, OneThatTakesConnectionsAndSaysNothingIsLeft) {
+  const testing::TemporaryFolder folder;
+  const auto socket = silentSocket(folder.path() + "/bus");
+  expectLeft("unix:path=" + folder.path() + "/bus", std::chrono::milliseconds(50), true);
+}
+
+TEST(SessionBus, OneThatAnswersIsKept) {
+  if (!testing::PrivateBus::available()) GTEST_SKIP() << "this machine has no message bus daemon";
+  const testing::PrivateBus bus;
+  expectLeft(bus.address(), std::chrono::seconds(10), false);
+}
+
+TEST(SessionBus, OneThatIsNotThereOrNoAddressAtAllIsNothingToWaitFor) {
+  for (const char* address : {"unix:path=/no/such/bus", "nonsense", "unix:path=/dev/null"}) {
+    expectLeft(address, std::chrono::seconds(10), false);
+  }
 }
 
 TEST(SessionBus, CharactersWithAMeaningInAddressesAreEscaped) {
