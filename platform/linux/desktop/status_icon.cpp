@@ -1,8 +1,12 @@
 #include "platform/linux/desktop/status_icon.h"
 
+#include <QIconEngine>
 #include <QPainter>
 #include <QPixmap>
 #include <algorithm>
+#include <iterator>
+#include <map>
+#include <utility>
 
 #include "platform/linux/views/symbols.h"
 
@@ -59,14 +63,64 @@ QPixmap picture(const std::string& name, int side) {
   return result;
 }
 
+constexpr int kSides[] = {16, 20, 22, 24, 32, 36, 44, 48, 64};
+
+/// Draws a size when a bar asks for it: most ask for one or two, and putting the symbol's figure
+/// together takes long.
+class StatusIconEngine : public QIconEngine {
+ public:
+  explicit StatusIconEngine(std::string symbolName) : symbolName_(std::move(symbolName)) {}
+
+  QIconEngine* clone() const override { return new StatusIconEngine(*this); }
+  bool isNull() override { return false; }
+
+  QList<QSize> availableSizes(QIcon::Mode, QIcon::State) override {
+    QList<QSize> sizes;
+    for (const int side : kSides) sizes.append(QSize(side, side));
+    return sizes;
+  }
+
+  /// The next size that is not larger; a bar with less room than any has the smallest made smaller.
+  QSize actualSize(const QSize& room, QIcon::Mode, QIcon::State) override {
+    const int side = std::min(room.width(), room.height());
+    return QSize(std::min(side, largestWithin(side)), std::min(side, largestWithin(side)));
+  }
+
+  QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+    const auto actual = actualSize(size, mode, state);
+    const auto& picture = pictureOf(largestWithin(actual.width()));
+    if (picture.size() == actual || actual.isEmpty()) return picture;
+    return picture.scaled(actual, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+  }
+
+  void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State state) override {
+    const auto scale = painter->device() ? painter->device()->devicePixelRatioF() : 1;
+    auto image = pixmap((QSizeF(rect.size()) * scale).toSize(), mode, state);
+    image.setDevicePixelRatio(scale);
+    const QSizeF size = image.deviceIndependentSize();
+    painter->drawPixmap(QRectF(rect).center() - QPointF(size.width(), size.height()) / 2, image);
+  }
+
+ private:
+  static int largestWithin(int side) {
+    const auto* const next = std::upper_bound(std::begin(kSides), std::end(kSides), side);
+    return next == std::begin(kSides) ? *next : *(next - 1);
+  }
+
+  const QPixmap& pictureOf(int side) {
+    const auto found = pictures_.find(side);
+    if (found != pictures_.end()) return found->second;
+    return pictures_.emplace(side, picture(symbolName_, side)).first->second;
+  }
+
+  std::string symbolName_;
+  std::map<int, QPixmap> pictures_;
+};
+
 }  // namespace
 
 QIcon statusIcon(const std::string& symbolName) {
-  QIcon icon;
-  for (const int side : {16, 20, 22, 24, 32, 36, 44, 48, 64}) {
-    icon.addPixmap(picture(symbolName, side));
-  }
-  return icon;
+  return QIcon(new StatusIconEngine(symbolName));
 }
 
 }  // namespace quillmont

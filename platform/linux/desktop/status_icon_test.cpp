@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QImage>
+#include <QPainter>
 
 namespace quillmont {
 namespace {
@@ -17,6 +18,26 @@ TEST(StatusIcon, HasItsOwnPictureForEverySizeOfABar) {
     EXPECT_TRUE(sizes.contains(QSize(side, side))) << side;
     EXPECT_EQ(picture(side).size(), QSize(side, side));
   }
+}
+
+TEST(StatusIcon, BarWithAnOddSizeGetsTheNextSmallerPictureUnscaled) {
+  EXPECT_EQ(picture(23), picture(22));
+  EXPECT_EQ(picture(200), picture(64));
+}
+
+TEST(StatusIcon, BarWithLittleRoomGetsWhatFits) {
+  EXPECT_EQ(picture(10).size(), QSize(10, 10));
+  EXPECT_EQ(statusIcon("opticaldiscdrive.fill").actualSize(QSize(100, 12)), QSize(12, 12));
+}
+
+TEST(StatusIcon, IsPaintedInTheMiddleOfItsPlace) {
+  QImage place(30, 22, QImage::Format_ARGB32_Premultiplied);
+  place.fill(Qt::transparent);
+  QPainter painter(&place);
+  statusIcon("opticaldiscdrive.fill").paint(&painter, place.rect());
+  painter.end();
+  EXPECT_EQ(place.copy(4, 0, 22, 22),
+            picture(22).convertToFormat(QImage::Format_ARGB32_Premultiplied));
 }
 
 TEST(StatusIcon, IsLegibleOnLightAndOnDark) {
