@@ -6,6 +6,7 @@
 #include <signal.h>
 #include <spawn.h>
 #include <sys/mount.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -126,6 +127,7 @@ class Crowd {
 
  private:
   [[noreturn]] static void idle() {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
     constexpr int kFiles = 20;
     for (int file = 0; file < kFiles; ++file) static_cast<void>(open("/dev/null", O_RDONLY));
     for (;;) pause();
@@ -134,13 +136,17 @@ class Crowd {
   std::vector<pid_t> members_;
 };
 
+/// Not more than one crowd, whoever asks for it.
+void gather(std::int64_t size) {
+  static const Crowd crowd(size);
+}
+
 /// `commandsFor` names what is run in an iteration.
 template <class CommandsFor>
 void measure(benchmark::State& state, const std::string& program, CommandsFor commandsFor) {
   if (access(program.c_str(), X_OK) != 0) return state.SkipWithError(("no " + program).c_str());
   if (!volumes().complete()) return state.SkipWithError("this user may not mount disk images");
-  static std::unique_ptr<Crowd> crowd;
-  if (state.range(0) > 0 && !crowd) crowd = std::make_unique<Crowd>(state.range(0));
+  if (state.range(0) > 0) gather(state.range(0));
   for (auto _ : state) {
     double spent = 0;
     for (const auto& command : commandsFor()) spent += spentBy(command);
