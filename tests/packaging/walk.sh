@@ -115,6 +115,18 @@ uninstall() {
   say "uninstalled by $1, and told that the rest is the package's"
 }
 
+# As an upgrade does it: every file is replaced, and the program must not take itself for deleted.
+replace_under_a_running_program() {
+  local file
+  file=$(stat -c %i "$bundle/Contents/MacOS/Quillmont")
+  apt-get install -y -qq --reinstall ./quillmont_*.deb >log-apt 2>&1 || fail "it cannot be installed again"
+  [ "$file" != "$(stat -c %i "$bundle/Contents/MacOS/Quillmont")" ] || fail "nothing was replaced"
+  # Longer than it takes the program to look at its folder.
+  ! eventually 7 has_ended || fail "the program ends when its package is replaced"
+  [ -e "/home/mei/$settings" ] || fail "settings are lost when the package is replaced"
+  say "replaced under a running program, which goes on"
+}
+
 remove_under_a_running_program() {
   configure mei
   start mei
@@ -137,6 +149,7 @@ eject_an_image
 uninstall root
 configure mei
 start mei
+replace_under_a_running_program
 uninstall mei
 remove_under_a_running_program
 listing >after
