@@ -116,7 +116,7 @@ class Login : public PanelTest, public ::testing::WithParamInterface<SessionMana
 TEST_P(Login, ProgramIsStartedWhereItIsSwitchedOnAndNotWhereItIsSwitchedOffAgain) {
   setLaunchAtLogin(true);
   logIn();
-  ASSERT_TRUE(iconShows(10s));
+  ASSERT_TRUE(iconShows(20s));
   EXPECT_EQ(executableOf(started()), session->bundle() + "/Contents/MacOS/Quillmont");
   endStarted();
 
