@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -23,30 +24,44 @@ struct StackElement {
   Axis axis;
   Alignment alignment;
   std::optional<double> spacing;
+  bool operator==(const StackElement&) const = default;
 };
 /// Its children stand in the stack around it like the stack's own.
-struct ListElement {};
+struct ListElement {
+  std::vector<std::string> keys;  ///< one a child
+  bool operator==(const ListElement&) const = default;
+};
 struct SpacerElement {
   Axis axis;
+  bool operator==(const SpacerElement&) const = default;
 };
 struct DividerElement {
   Axis stackAxis;
+  bool operator==(const DividerElement&) const = default;
 };
 struct PaddingElement {
   double top, leading, bottom, trailing;
+  bool operator==(const PaddingElement&) const = default;
 };
 struct FrameElement {
   FrameSize size;
+  bool operator==(const FrameElement&) const = default;
 };
 /// The second child is laid out on the first.
 struct LayerElement {
   bool inFront;
+  bool operator==(const LayerElement&) const = default;
 };
-struct ScrollElement {};
-struct ButtonElement {};
+struct ScrollElement {
+  bool operator==(const ScrollElement&) const = default;
+};
+struct ButtonElement {
+  bool operator==(const ButtonElement&) const = default;
+};
 /// A leaf that a host shows: label, symbol, shape, switch, checkbox or segments.
 struct LeafElement {
   NativeContent content;
+  bool operator==(const LeafElement&) const = default;
 };
 /// Has no layout of its own: what a modifier or a composed view adds to its only child.
 struct WrapperElement {
@@ -54,18 +69,20 @@ struct WrapperElement {
   std::string help = {};
   std::string accessibilityLabel = {};
   bool tracksHover = false;
+  bool operator==(const WrapperElement&) const = default;
 };
 /// The first child is the anchor; the second one, if the popover is presented, a wrapper of its
 /// content, which is laid out on its own and whose identity is that of the popover.
 struct PopoverElement {
   RectEdge arrowEdge;
+  bool operator==(const PopoverElement&) const = default;
 };
 
 using ElementContent = std::variant<StackElement, ListElement, SpacerElement, DividerElement,
                                     PaddingElement, FrameElement, LayerElement, ScrollElement,
                                     ButtonElement, LeafElement, WrapperElement, PopoverElement>;
 
-/// What a native view calls. Of a popover, `onToggle` dismisses it.
+/// What a native view calls: one of them. Of a popover, `onToggle` dismisses it.
 struct ViewHandlers {
   std::function<void()> onPress;
   std::function<void(bool)> onToggle;
@@ -73,19 +90,30 @@ struct ViewHandlers {
   std::function<void(bool)> onHover;
 };
 
+struct NativeNode;
+
+/// Lasts from one build of the panel to the next, and with it what need not be reckoned again.
 struct Element {
-  ViewId id = 0;     ///< kept from one build of the panel to the next; unique within it
-  std::string key;   ///< in a keyed list
-  const void* type;  ///< elements of different types are never the same
+  ViewId id = 0;               ///< unique within the panel
+  const void* type = nullptr;  ///< elements of different types are never the same
   ElementContent content;
-  ViewHandlers handlers;
+  /// The functions are other ones after each build; while it has some, they are in one place.
+  std::shared_ptr<ViewHandlers> handlers;
   ViewMemory memory;
   std::vector<Element> children;
 
-  Rect frame;  ///< in the panel's coordinates, or in those of the scroll or popover around it
+  /// Since the last build, itself or anything inside of it.
+  bool changed = true;
 
-  /// Sizes that were asked for in this layout.
+  Rect frame;  ///< in the panel's coordinates, or in those of the scroll or popover around it
+  ProposedSize offer;  ///< to which it answered with the frame's size
+
+  /// Sizes that were asked for since it changed.
   mutable std::vector<std::pair<ProposedSize, Size>> sizes;
+
+  /// What it last became in a native parent with its corner there; none if it has changed or moved.
+  mutable std::shared_ptr<const NativeNode> native;
+  mutable Point nativeOrigin;
 };
 
 }  // namespace quillmont

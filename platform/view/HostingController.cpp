@@ -3,7 +3,6 @@
 #include <functional>
 #include <optional>
 #include <set>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -30,15 +29,13 @@ class HostingController::Panel : public std::enable_shared_from_this<Panel> {
     native_ = &native;
     metrics_ = &metrics;
     onScreen_ = {};
-    texts_.clear();
-    needsUpdate_ = true;
-    if (visible_) update();
+    metricsDidChange();
   }
 
   void unmount() {
     native_ = nullptr;
     metrics_ = nullptr;
-    leaveGone(std::exchange(handlers_, {}));
+    leaveGone(onScreen_);
   }
 
   void setVisible(bool visible) {
@@ -56,14 +53,15 @@ class HostingController::Panel : public std::enable_shared_from_this<Panel> {
   Size size() const { return size_; }
 
   void metricsDidChange() {
-    texts_.clear();
+    knowsMetrics_ = false;
     needsUpdate_ = true;
     if (visible_) update();
   }
 
-  ViewHandlers handlersOf(ViewId id) const {
-    const auto found = handlers_.find(id);
-    return found == handlers_.end() ? ViewHandlers() : found->second;
+  /// What a view on the screen calls by this handler; none, if there is no such view.
+  template <class Action>
+  std::vector<Action> actionsOf(ViewId id, Action ViewHandlers::*handler) const {
+    return native_ ? actionsIn(onScreen_, id, handler) : std::vector<Action>();
   }
 
   /// The control shows what the user has made of it; the next update tells it what holds.
@@ -73,19 +71,17 @@ class HostingController::Panel : public std::enable_shared_from_this<Panel> {
   }
 
   void hover(ViewId id, bool isInside) {
-    const auto action = handlersOf(id).onHover;
-    if (!action) return;
+    const auto actions = actionsOf(id, &ViewHandlers::onHover);
+    if (actions.empty()) return;
     if (isInside) {
       hovered_.insert(id);
     } else {
       hovered_.erase(id);
     }
-    action(isInside);
+    for (const auto& action : actions) action(isInside);
   }
 
  private:
-  using Handlers = std::unordered_map<ViewId, ViewHandlers>;
-
   void setNeedsUpdate() {
     needsUpdate_ = true;
     if (!visible_ || scheduled_) return;
@@ -101,42 +97,55 @@ class HostingController::Panel : public std::enable_shared_from_this<Panel> {
   void update() {
     if (!native_) return;
     needsUpdate_ = false;
-    root_ = resolver_.resolve(rootView_, root_ ? &*root_ : nullptr);
-    size_ = layOut(*root_, *metrics_, texts_);
-    auto next = nativeTree(*root_, metrics_->scale());
+    resolver_.resolve(rootView_, root_);
+    if (!std::exchange(knowsMetrics_, true)) {
+      texts_.clear();
+      forgetLayout(root_);
+    }
+    size_ = layOut(root_, *metrics_, texts_);
+    auto next = nativeTree(root_, metrics_->scale());
     const auto changes = changesBetween(onScreen_, next, std::exchange(changedByUser_, {}));
-    onScreen_ = std::move(next);
-    const auto before = std::exchange(handlers_, {});
-    collectHandlers(onScreen_);
+    const auto before = std::exchange(onScreen_, std::move(next));
     native_->apply(changes, {onScreen_.frame.width, onScreen_.frame.height});
     leaveGone(before);
   }
 
   /// The pointer has left what is no longer there, or no longer asks for it.
-  void leaveGone(const Handlers& before) {
+  void leaveGone(const NativeNode& before) {
+    std::vector<std::function<void(bool)>> leaving;
     for (const auto id : std::exchange(hovered_, {})) {
-      if (handlersOf(id).onHover) {
+      if (!actionsOf(id, &ViewHandlers::onHover).empty()) {
         hovered_.insert(id);
-      } else if (const auto gone = before.find(id); gone != before.end()) {
-        gone->second.onHover(false);
+      } else {
+        const auto actions = actionsIn(before, id, &ViewHandlers::onHover);
+        leaving.insert(leaving.end(), actions.begin(), actions.end());
       }
     }
+    for (const auto& leave : leaving) leave(false);
   }
 
-  void collectHandlers(const NativeNode& node) {
-    const auto& handlers = node.handlers;
-    if (handlers.onPress || handlers.onToggle || handlers.onSelect || handlers.onHover) {
-      handlers_.emplace(node.id, handlers);
+  /// The user acts rarely, and a panel is redrawn every second: the views are searched.
+  static const NativeNode* find(const NativeNode& node, ViewId id) {
+    if (node.id == id) return &node;
+    for (const auto& child : node.children) {
+      if (const auto* const found = find(*child, id)) return found;
     }
-    for (const auto& child : node.children) collectHandlers(child);
+    return nullptr;
+  }
+
+  template <class Action>
+  static std::vector<Action> actionsIn(const NativeNode& root, ViewId id,
+                                       Action ViewHandlers::*handler) {
+    const auto* const node = find(root, id);
+    return node ? quillmont::actionsOf(*node, handler) : std::vector<Action>();
   }
 
   /// Inner ones first.
   static void collectPopovers(const NativeNode& node,
                               std::vector<std::function<void(bool)>>& actions) {
-    for (const auto& child : node.children) collectPopovers(child, actions);
+    for (const auto& child : node.children) collectPopovers(*child, actions);
     if (std::holds_alternative<NativePopover>(node.properties.content)) {
-      actions.push_back(node.handlers.onToggle);
+      actions.push_back(node.handlers.front()->onToggle);
     }
   }
 
@@ -148,14 +157,14 @@ class HostingController::Panel : public std::enable_shared_from_this<Panel> {
   NativeMount* native_ = nullptr;
   const Metrics* metrics_ = nullptr;
 
-  std::optional<Element> root_;
+  Element root_;
   NativeNode onScreen_;
-  Handlers handlers_;
   std::set<ViewId> hovered_;
   std::set<ViewId> changedByUser_;
   Size size_;
   bool visible_ = false;
   bool needsUpdate_ = true;
+  bool knowsMetrics_ = false;  ///< whether what has been laid out still holds
   bool scheduled_ = false;
 };
 
@@ -189,22 +198,21 @@ void HostingController::metricsDidChange() {
 // An action may change the panel or end the program: it runs on a copy of its own.
 
 void HostingController::press(ViewId button) {
-  const auto action = panel_->handlersOf(button).onPress;
-  if (action) action();
+  for (const auto& action : panel_->actionsOf(button, &ViewHandlers::onPress)) action();
 }
 
 void HostingController::toggle(ViewId control, bool isOn) {
-  const auto action = panel_->handlersOf(control).onToggle;
-  if (!action) return;
+  const auto actions = panel_->actionsOf(control, &ViewHandlers::onToggle);
+  if (actions.empty()) return;
   panel_->userChanged(control);
-  action(isOn);
+  for (const auto& action : actions) action(isOn);
 }
 
 void HostingController::select(ViewId segments, std::size_t index) {
-  const auto action = panel_->handlersOf(segments).onSelect;
-  if (!action) return;
+  const auto actions = panel_->actionsOf(segments, &ViewHandlers::onSelect);
+  if (actions.empty()) return;
   panel_->userChanged(segments);
-  action(index);
+  for (const auto& action : actions) action(index);
 }
 
 void HostingController::hover(ViewId view, bool isInside) {
@@ -212,8 +220,7 @@ void HostingController::hover(ViewId view, bool isInside) {
 }
 
 void HostingController::dismiss(ViewId popover) {
-  const auto action = panel_->handlersOf(popover).onToggle;
-  if (action) action(false);
+  for (const auto& action : panel_->actionsOf(popover, &ViewHandlers::onToggle)) action(false);
 }
 
 }  // namespace quillmont

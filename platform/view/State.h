@@ -73,8 +73,9 @@ struct ViewMemory {
 /// Handed to a view before its body is asked for: connects the view with its memory.
 class StateScope {
  public:
-  StateScope(ViewMemory& memory, std::function<void()> invalidate)
-      : memory_(memory), invalidate_(std::move(invalidate)) {}
+  /// Both must outlive the scope.
+  StateScope(ViewMemory& memory, const std::function<void()>& invalidate)
+      : memory_(memory), invalidate_(invalidate) {}
 
   /// The view's values, always in the same order: each takes up what it was when the view was
   /// last built.
@@ -102,7 +103,7 @@ class StateScope {
 
  private:
   ViewMemory& memory_;
-  std::function<void()> invalidate_;
+  const std::function<void()>& invalidate_;
   std::size_t next_ = 0;
 };
 

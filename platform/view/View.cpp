@@ -5,12 +5,14 @@
 namespace quillmont {
 namespace {
 
-View makeView(ViewContent content, Views children = {}) {
-  return View(std::make_shared<const ViewNode>(ViewNode{std::move(content), std::move(children)}));
+template <class Node>
+View makeView(Node node) {
+  return View(std::make_shared<const ViewNode>(ViewNode{std::move(node)}));
 }
 
-View inEnvironment(const View& view, std::function<void(Environment&)> change) {
-  return makeView(EnvironmentNode{std::move(change)}, {view});
+template <class Change>
+View inEnvironment(const View& view, Change change) {
+  return makeView(EnvironmentNode{view, std::move(change)});
 }
 
 bool includes(Edges edges, Edges axis, Edges edge) {
@@ -58,17 +60,16 @@ View View::labelsHidden() const {
 View View::padding(Edges edges, double length) const {
   const auto at = [&](Edges axis, Edges edge) { return includes(edges, axis, edge) ? length : 0; };
   return makeView(
-      PaddingNode{at(Edges::vertical, Edges::top), at(Edges::horizontal, Edges::leading),
-                  at(Edges::vertical, Edges::bottom), at(Edges::horizontal, Edges::trailing)},
-      {*this});
+      PaddingNode{*this, at(Edges::vertical, Edges::top), at(Edges::horizontal, Edges::leading),
+                  at(Edges::vertical, Edges::bottom), at(Edges::horizontal, Edges::trailing)});
 }
 
 View View::frame(FrameSize size) const {
-  return makeView(FrameNode{size}, {*this});
+  return makeView(FrameNode{*this, size});
 }
 
 View View::background(View background) const {
-  return makeView(LayerNode{.inFront = false}, {*this, std::move(background)});
+  return makeView(LayerNode{*this, std::move(background), false});
 }
 
 View View::background(Color color) const {
@@ -76,38 +77,38 @@ View View::background(Color color) const {
 }
 
 View View::overlay(View overlay) const {
-  return makeView(LayerNode{.inFront = true}, {*this, std::move(overlay)});
+  return makeView(LayerNode{*this, std::move(overlay), true});
 }
 
 View View::opacity(double opacity) const {
-  return makeView(OpacityNode{opacity}, {*this});
+  return makeView(OpacityNode{*this, opacity});
 }
 
 View View::onHover(std::function<void(bool)> action) const {
-  return makeView(HoverNode{std::move(action)}, {*this});
+  return makeView(HoverNode{*this, std::move(action)});
 }
 
 View View::help(std::string key) const {
-  return makeView(HelpNode{std::move(key)}, {*this});
+  return makeView(HelpNode{*this, std::move(key)});
 }
 
 View View::accessibilityLabel(std::string key) const {
-  return makeView(AccessibilityNode{std::move(key)}, {*this});
+  return makeView(AccessibilityNode{*this, std::move(key)});
 }
 
 View View::popover(Binding<bool> isPresented, RectEdge arrowEdge,
                    std::function<View()> content) const {
-  return makeView(PopoverNode{std::move(isPresented), arrowEdge, std::move(content)}, {*this});
+  return makeView(PopoverNode{*this, std::move(isPresented), arrowEdge, std::move(content)});
 }
 
 View VStack(VStackLayout layout, Views children) {
   const Alignment alignment{layout.alignment, VerticalAlignment::center};
-  return makeView(StackNode{Axis::vertical, alignment, layout.spacing}, std::move(children));
+  return makeView(StackNode{Axis::vertical, alignment, layout.spacing, std::move(children)});
 }
 
 View HStack(HStackLayout layout, Views children) {
   const Alignment alignment{HorizontalAlignment::center, layout.alignment};
-  return makeView(StackNode{Axis::horizontal, alignment, layout.spacing}, std::move(children));
+  return makeView(StackNode{Axis::horizontal, alignment, layout.spacing, std::move(children)});
 }
 
 View HStack(Views children) {
@@ -179,23 +180,22 @@ View SegmentedPicker(std::string key, Binding<double> selection,
 }
 
 View Button(std::function<void()> action, View label, std::optional<ButtonRole> role) {
-  return makeView(ButtonNode{std::move(action), role}, {std::move(label)});
+  return makeView(ButtonNode{std::move(label), std::move(action), role});
 }
 
 View ScrollView(View content) {
-  return makeView(ScrollNode{}, {std::move(content)});
+  return makeView(ScrollNode{std::move(content)});
 }
 
 View KeyedList(std::vector<KeyedView> views) {
   KeyedListNode list;
-  Views children;
   list.keys.reserve(views.size());
-  children.reserve(views.size());
+  list.children.reserve(views.size());
   for (auto& [key, view] : views) {
     list.keys.push_back(std::move(key));
-    children.push_back(std::move(view));
+    list.children.push_back(std::move(view));
   }
-  return makeView(std::move(list), std::move(children));
+  return makeView(std::move(list));
 }
 
 View makeComposedView(std::shared_ptr<AnyComposedView> view) {

@@ -78,6 +78,7 @@ struct FrameSize {
   std::optional<double> width = {}, height = {};
   std::optional<double> maxWidth = {}, maxHeight = {};
   Alignment alignment = {};
+  bool operator==(const FrameSize&) const = default;
 };
 
 class View {

@@ -33,9 +33,11 @@ struct StackNode {
   Axis axis;
   Alignment alignment;  ///< across the axis
   std::optional<double> spacing;
+  Views children;
 };
 struct KeyedListNode {
   std::vector<std::string> keys;  ///< one a child
+  Views children;
 };
 struct TextNode {
   std::string text;
@@ -59,42 +61,54 @@ struct PickerNode {
   std::vector<PickerOption> options;
 };
 struct ButtonNode {
+  View label;
   std::function<void()> action;
   std::optional<ButtonRole> role;
 };
-struct ScrollNode {};
+struct ScrollNode {
+  View inner;
+};
 struct ComposedNode {
   std::shared_ptr<AnyComposedView> view;
 };
 
-// Modifiers; the first child is the view that they change.
+// Modifiers; `inner` is the view that they change.
 
 struct EnvironmentNode {
+  View inner;
   std::function<void(Environment&)> change;
 };
 struct PaddingNode {
+  View inner;
   double top, leading, bottom, trailing;
 };
 struct FrameNode {
+  View inner;
   FrameSize size;
 };
-/// The second child lies behind or in front of the first.
+/// The layer lies behind or in front of the inner view.
 struct LayerNode {
+  View inner, layer;
   bool inFront;
 };
 struct OpacityNode {
+  View inner;
   double opacity;
 };
 struct HoverNode {
+  View inner;
   std::function<void(bool)> action;
 };
 struct HelpNode {
+  View inner;
   std::string key;
 };
 struct AccessibilityNode {
+  View inner;
   std::string key;
 };
 struct PopoverNode {
+  View inner;
   Binding<bool> isPresented;
   RectEdge arrowEdge;
   std::function<View()> content;
@@ -108,7 +122,6 @@ using ViewContent =
 
 struct ViewNode {
   ViewContent content;
-  std::vector<View> children;
 };
 
 }  // namespace quillmont

@@ -7,8 +7,6 @@
 namespace quillmont {
 namespace {
 
-using Nodes = std::vector<NativeNode>;
-
 bool isSameView(const NativeNode& before, const NativeNode& after) {
   return before.id == after.id &&
          before.properties.content.index() == after.properties.content.index();
@@ -17,16 +15,16 @@ bool isSameView(const NativeNode& before, const NativeNode& after) {
 /// The children of one view, before and after.
 class Siblings {
  public:
-  Siblings(const Nodes& before, const Nodes& after) : before_(before) {
-    std::vector<std::pair<ViewId, std::size_t>> places;
-    for (std::size_t i = 0; i < before.size(); ++i) places.emplace_back(before[i].id, i);
-    std::sort(places.begin(), places.end());
-    for (const auto& node : after) {
-      const auto place =
-          std::lower_bound(places.begin(), places.end(), std::pair(node.id, std::size_t{0}));
-      const bool known = place != places.end() && place->first == node.id &&
-                         isSameView(before[place->second], node);
-      origins_.push_back(known ? place->second : kNew);
+  Siblings(const NativeNodes& before, const NativeNodes& after) : before_(before) {
+    origins_.reserve(after.size());
+    Places places;  // mostly all stand where they stood, and none has to be looked for
+    for (std::size_t i = 0; i < after.size(); ++i) {
+      if (i < before.size() && isSameView(*before[i], *after[i])) {
+        origins_.push_back(i);
+        continue;
+      }
+      if (places.empty()) places = sortedPlaces(before);
+      origins_.push_back(find(*after[i], places));
     }
   }
 
@@ -34,6 +32,14 @@ class Siblings {
 
   /// Where each child was before.
   const std::vector<std::size_t>& origins() const { return origins_; }
+
+  bool areTheSame() const {
+    if (origins_.size() != before_.size()) return false;
+    for (std::size_t i = 0; i < origins_.size(); ++i) {
+      if (origins_[i] != i) return false;
+    }
+    return true;
+  }
 
   std::vector<bool> survivors() const {
     std::vector<bool> result(before_.size(), false);
@@ -66,7 +72,25 @@ class Siblings {
   }
 
  private:
-  const Nodes& before_;
+  using Places = std::vector<std::pair<ViewId, std::size_t>>;
+
+  static Places sortedPlaces(const NativeNodes& nodes) {
+    Places places;
+    places.reserve(nodes.size());
+    for (std::size_t i = 0; i < nodes.size(); ++i) places.emplace_back(nodes[i]->id, i);
+    std::sort(places.begin(), places.end());
+    return places;
+  }
+
+  std::size_t find(const NativeNode& node, const Places& places) const {
+    const auto place =
+        std::lower_bound(places.begin(), places.end(), std::pair(node.id, std::size_t{0}));
+    const bool known = place != places.end() && place->first == node.id &&
+                       isSameView(*before_[place->second], node);
+    return known ? place->second : kNew;
+  }
+
+  const NativeNodes& before_;
   std::vector<std::size_t> origins_;
 };
 
@@ -84,22 +108,31 @@ class Comparison {
   /// All that goes, goes first: an identity may come back below another view.
   void removeGone(const NativeNode& before, const NativeNode& after) {
     const Siblings siblings(before.children, after.children);
-    const auto survivors = siblings.survivors();
-    for (std::size_t i = 0; i < survivors.size(); ++i) {
-      if (!survivors[i]) changes_.emplace_back(RemoveView{before.children[i].id});
+    if (!siblings.areTheSame()) {
+      const auto survivors = siblings.survivors();
+      for (std::size_t i = 0; i < survivors.size(); ++i) {
+        if (!survivors[i]) changes_.emplace_back(RemoveView{before.children[i]->id});
+      }
     }
-    for (std::size_t i = 0; i < after.children.size(); ++i) {
-      const auto origin = siblings.origins()[i];
-      if (origin != Siblings::kNew) removeGone(before.children[origin], after.children[i]);
-    }
+    forEachKnown(before, after, siblings, [this](const NativeNode& was, const NativeNode& is) {
+      if (&was != &is) removeGone(was, is);
+    });
   }
 
   void compareChildren(const NativeNode& before, const NativeNode& after) {
     const Siblings siblings(before.children, after.children);
-    arrange(before, after, siblings);
+    if (!siblings.areTheSame()) arrange(before, after, siblings);
+    forEachKnown(before, after, siblings, [this](const NativeNode& was, const NativeNode& is) {
+      if (&was != &is || !told_.empty()) compare(was, is);
+    });
+  }
+
+  template <class Action>
+  static void forEachKnown(const NativeNode& before, const NativeNode& after,
+                           const Siblings& siblings, Action action) {
     for (std::size_t i = 0; i < after.children.size(); ++i) {
       const auto origin = siblings.origins()[i];
-      if (origin != Siblings::kNew) compare(before.children[origin], after.children[i]);
+      if (origin != Siblings::kNew) action(*before.children[origin], *after.children[i]);
     }
   }
 
@@ -107,15 +140,14 @@ class Comparison {
   void arrange(const NativeNode& before, const NativeNode& after, const Siblings& siblings) {
     const auto& origins = siblings.origins();
     const auto keeps = siblings.keepingPlace();
-    if (std::all_of(keeps.begin(), keeps.end(), [](bool keep) { return keep; })) return;
     const auto survivors = siblings.survivors();
     std::vector<ViewId> standing;
     for (std::size_t i = 0; i < survivors.size(); ++i) {
-      if (survivors[i]) standing.push_back(before.children[i].id);
+      if (survivors[i]) standing.push_back(before.children[i]->id);
     }
     std::size_t next = 0;
     for (std::size_t i = 0; i < after.children.size(); ++i) {
-      const auto& child = after.children[i];
+      const auto& child = *after.children[i];
       if (keeps[i]) {
         while (standing[next] != child.id) ++next;
         ++next;
@@ -136,7 +168,7 @@ class Comparison {
 
   void insert(ViewId parent, std::size_t index, const NativeNode& node) {
     changes_.emplace_back(InsertView{node.id, parent, index, node.properties, node.frame});
-    for (std::size_t i = 0; i < node.children.size(); ++i) insert(node.id, i, node.children[i]);
+    for (std::size_t i = 0; i < node.children.size(); ++i) insert(node.id, i, *node.children[i]);
   }
 
   void compare(const NativeNode& before, const NativeNode& after) {

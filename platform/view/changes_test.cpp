@@ -17,7 +17,11 @@ namespace {
 using testing::FakeMount;
 
 NativeNode node(ViewId id, NativeContent content, std::vector<NativeNode> children = {}) {
-  return {id, {std::move(content)}, {0, 0, 10, 10}, {}, std::move(children)};
+  NativeNode result{id, {std::move(content)}, {0, 0, 10, 10}, {}, {}};
+  for (auto& child : children) {
+    result.children.push_back(std::make_shared<const NativeNode>(std::move(child)));
+  }
+  return result;
 }
 NativeNode label(ViewId id, const std::string& text = "a") {
   return node(id, NativeLabel{text, Font::body, Color::primary});
@@ -167,7 +171,7 @@ class RandomTrees {
     if (!upTo(4)) child.frame.x = upTo(3);
     if (!upTo(6)) child.properties.help = "tip";
     while (kind != 0 && depth > 0 && !ids_.empty() && upTo(3)) addTo(child, depth - 1);
-    parent.children.push_back(std::move(child));
+    parent.children.push_back(std::make_shared<const NativeNode>(std::move(child)));
   }
 
   std::mt19937 random_;
@@ -179,7 +183,7 @@ bool isShown(const FakeMount& mount, const NativeNode& tree) {
   const auto& children = mount.views.at(tree.id).children;
   if (children.size() != tree.children.size()) return false;
   for (std::size_t i = 0; i < children.size(); ++i) {
-    const auto& child = tree.children[i];
+    const auto& child = *tree.children[i];
     if (children[i] != child.id) return false;
     const auto& shown = mount.views.at(child.id);
     if (shown.parent != tree.id || shown.frame != child.frame ||
@@ -192,7 +196,7 @@ bool isShown(const FakeMount& mount, const NativeNode& tree) {
 
 std::size_t countOf(const NativeNode& tree) {
   std::size_t count = 1;
-  for (const auto& child : tree.children) count += countOf(child);
+  for (const auto& child : tree.children) count += countOf(*child);
   return count;
 }
 

@@ -190,7 +190,10 @@ Size Layouter::leafSize(const NativeSegments& segments, const ProposedSize&) {
 }
 
 void Layouter::place(Element& element, const Rect& frame, const ProposedSize& offer) {
+  if (!element.changed && element.frame == frame && element.offer == offer) return;
   element.frame = frame;
+  element.offer = offer;
+  element.native = nullptr;
   std::visit([&](const auto& content) { placeChildren(content, element, frame, offer); },
              element.content);
 }
@@ -294,6 +297,12 @@ void Layouter::placeChildren(const PopoverElement&, Element& element, const Rect
 Size layOut(Element& root, const Metrics& metrics, TextSizes& texts) {
   texts.beginLayout();
   return Layouter(metrics, texts).placeAtOrigin(root);
+}
+
+void forgetLayout(Element& root) {
+  root.changed = true;
+  root.sizes.clear();
+  for (auto& child : root.children) forgetLayout(child);
 }
 
 }  // namespace quillmont

@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <random>
 
 #include "tests/support/LaidOut.h"
+#include "tests/support/RandomViews.h"
 #include "tests/support/TestHost.h"
 #include "ui/DiskCardView.h"
 #include "ui/GearMenu.h"
@@ -14,101 +14,11 @@
 namespace quillmont {
 namespace {
 
+using testing::expectSameFrames;
 using testing::FakeMetrics;
 using testing::LaidOut;
+using testing::RandomViews;
 using testing::TestHost;
-
-/// Views at random: every kind in every other. Always the same ones for one seed.
-class RandomViews {
- public:
-  explicit RandomViews(unsigned seed) : random_(seed) {}
-
-  View make(int depth) {
-    if (depth == 0) return leaf();
-    switch (upTo(9)) {
-      case 0:
-      case 1:
-        return HStack({.alignment = static_cast<VerticalAlignment>(upTo(3)), .spacing = spacing()},
-                      several(depth));
-      case 2:
-      case 3:
-        return VStack(
-            {.alignment = static_cast<HorizontalAlignment>(upTo(3)), .spacing = spacing()},
-            several(depth));
-      case 4:
-        return make(depth - 1).padding(static_cast<Edges>(upTo(7)), upTo(20));
-      case 5:
-        return make(depth - 1).frame(frame());
-      case 6:
-        return upTo(2) ? make(depth - 1).background(make(depth - 1))
-                       : make(depth - 1).overlay(make(depth - 1));
-      case 7:
-        return ScrollView(make(depth - 1));
-      default:
-        return Button([] {}, make(depth - 1).opacity(0.5).help("help"));
-    }
-  }
-
-  int upTo(int end) { return std::uniform_int_distribution(0, end - 1)(random_); }
-
- private:
-  View leaf() {
-    switch (upTo(6)) {
-      case 0:
-        return Spacer();
-      case 1:
-        return Divider();
-      case 2:
-        return Fill(Color::red);
-      case 3:
-        return Circle();
-      case 4:
-        return Symbol("gear").font(Font::system(10 + upTo(20)));
-      default:
-        return text();
-    }
-  }
-
-  View text() {
-    std::string words;
-    for (int count = upTo(6); count >= 0; --count) {
-      words += std::string(static_cast<std::size_t>(1 + upTo(9)), 'a') + " ";
-    }
-    const auto view = VerbatimText(words).font(Font::system(8 + upTo(8)));
-    return upTo(3) ? view : view.lineLimit(1 + upTo(2));
-  }
-
-  Views several(int depth) {
-    Views views;
-    for (int count = upTo(4); count >= 0; --count) {
-      const auto view = make(depth - 1);
-      if (upTo(5)) {
-        views.push_back(view);
-      } else {
-        views.push_back(KeyedList({{"a", view}, {"b", leaf()}}));
-      }
-    }
-    return views;
-  }
-
-  std::optional<double> spacing() {
-    if (upTo(2)) return {};
-    return upTo(12);
-  }
-
-  FrameSize frame() {
-    FrameSize size;
-    if (upTo(3) == 0) size.width = upTo(200);
-    if (upTo(3) == 0) size.height = upTo(200);
-    if (upTo(3) == 0) size.maxWidth = upTo(2) ? kUnbounded : upTo(200);
-    if (upTo(3) == 0) size.maxHeight = upTo(2) ? kUnbounded : upTo(200);
-    size.alignment = {static_cast<HorizontalAlignment>(upTo(3)),
-                      static_cast<VerticalAlignment>(upTo(3))};
-    return size;
-  }
-
-  std::mt19937 random_;
-};
 
 /// Goes through a tree that has been laid out and checks every frame against its children's.
 class Inspection {
@@ -225,14 +135,6 @@ class Inspection {
     ASSERT_EQ(element.children.front().frame, element.frame);
   }
 };
-
-void expectSameFrames(const Element& left, const Element& right) {
-  ASSERT_EQ(left.frame, right.frame);
-  ASSERT_EQ(left.children.size(), right.children.size());
-  for (std::size_t i = 0; i < left.children.size(); ++i) {
-    expectSameFrames(left.children[i], right.children[i]);
-  }
-}
 
 TEST(LayoutSweep, EveryFrameFollowsFromItsChildren) {
   for (unsigned seed = 1; seed <= 1000; ++seed) {

@@ -12,6 +12,7 @@ namespace {
 
 using testing::box;
 using testing::FakeMount;
+using ::testing::IsEmpty;
 using testing::LaidOut;
 using testing::small;
 
@@ -24,6 +25,11 @@ std::string pictureOf(const View& view) {
   const auto tree = treeOf(view);
   mount.apply(changesBetween({}, tree), {tree.frame.width, tree.frame.height});
   return mount.picture();
+}
+
+template <class Action, class... Arguments>
+void call(const NativeNode& node, Action ViewHandlers::*handler, Arguments... arguments) {
+  for (const auto& action : actionsOf(node, handler)) action(arguments...);
 }
 
 const Binding<bool> kOn([] { return true; }, [](bool) {});
@@ -74,9 +80,9 @@ button name=ab (18 0 14 17)
 
 TEST(NativeTree, NamesAButtonByAllItsTexts) {
   const auto label = HStack({Symbol("power"), small("ab"), Button([] {}, small("cd")), small("")});
-  EXPECT_EQ(treeOf(Button([] {}, label)).children[0].properties.accessibilityLabel, "ab cd");
-  EXPECT_EQ(treeOf(Button([] {}, red())).children[0].properties.accessibilityLabel, "");
-  EXPECT_EQ(treeOf(button().accessibilityLabel("else")).children[0].properties.accessibilityLabel,
+  EXPECT_EQ(treeOf(Button([] {}, label)).children[0]->properties.accessibilityLabel, "ab cd");
+  EXPECT_EQ(treeOf(Button([] {}, red())).children[0]->properties.accessibilityLabel, "");
+  EXPECT_EQ(treeOf(button().accessibilityLabel("else")).children[0]->properties.accessibilityLabel,
             "else");
 }
 
@@ -154,11 +160,11 @@ TEST(NativeTree, HoverOfAWholeLabelIsTheButtons) {
   std::vector<bool> told;
   const auto label = small("ab").onHover([&](bool isInside) { told.push_back(isInside); });
   const auto tree = treeOf(Button([] {}, label));
-  const auto& native = tree.children[0];
+  const auto& native = *tree.children[0];
   EXPECT_TRUE(native.properties.tracksHover);
-  EXPECT_FALSE(native.children[0].properties.tracksHover);
-  EXPECT_FALSE(native.children[0].handlers.onHover);
-  native.handlers.onHover(true);
+  EXPECT_FALSE(native.children[0]->properties.tracksHover);
+  EXPECT_THAT(native.children[0]->handlers, IsEmpty());
+  call(native, &ViewHandlers::onHover, true);
   EXPECT_EQ(told, (std::vector{true}));
 }
 
@@ -166,8 +172,8 @@ TEST(NativeTree, HoverOfAPartOfALabelStaysThere) {
   const auto part = small("ab").onHover([](bool) {});
   for (const auto& label : {part.padding(Edges::top, 2), part.padding(Edges::leading, 2)}) {
     const auto tree = treeOf(Button([] {}, label));
-    EXPECT_FALSE(tree.children[0].properties.tracksHover);
-    EXPECT_TRUE(tree.children[0].children[0].properties.tracksHover);
+    EXPECT_FALSE(tree.children[0]->properties.tracksHover);
+    EXPECT_TRUE(tree.children[0]->children[0]->properties.tracksHover);
   }
 }
 
@@ -178,7 +184,7 @@ TEST(NativeTree, EveryoneIsToldWhoAskedForOneHover) {
   };
   const auto inside = Button([] {}, small("ab").onHover(teller("label")));
   const auto tree = treeOf(inside.onHover(teller("button")).onHover(teller("around")));
-  tree.children[0].handlers.onHover(true);
+  call(*tree.children[0], &ViewHandlers::onHover, true);
   EXPECT_EQ(told, "label+button+around+");
 }
 
@@ -213,11 +219,12 @@ TEST(NativeTree, PopoverIsDismissedByItsBinding) {
   std::vector<bool> set;
   const Binding<bool> shown([] { return true; }, [&](bool value) { set.push_back(value); });
   const auto tree = treeOf(button().popover(shown, RectEdge::maxY, [] { return red(); }));
-  const auto& popover = tree.children[0].children.back();
+  const auto& popover = *tree.children[0]->children.back();
   ASSERT_TRUE(std::holds_alternative<NativePopover>(popover.properties.content));
-  popover.handlers.onToggle(false);
+  call(popover, &ViewHandlers::onToggle, false);
   EXPECT_EQ(set, (std::vector{false}));
-  EXPECT_FALSE(tree.children[0].handlers.onToggle) << "the button presses";
+  EXPECT_THAT(actionsOf(*tree.children[0], &ViewHandlers::onToggle), IsEmpty())
+      << "the button presses";
 }
 
 TEST(NativeTree, ControlsCallWhatTheirViewsName) {
@@ -227,12 +234,12 @@ TEST(NativeTree, ControlsCallWhatTheirViewsName) {
                             [&](double value) { called += std::to_string(int(value)) + " "; });
   const auto tree = treeOf(HStack({Button([&] { called += "pressed "; }, red()), Toggle("", isOn),
                                    SegmentedPicker("", tag, {{"a", 1}, {"b", 2}, {"also b", 2}})}));
-  tree.children[0].handlers.onPress();
-  tree.children[1].handlers.onToggle(false);
-  const auto& segments = tree.children[2];
+  call(*tree.children[0], &ViewHandlers::onPress);
+  call(*tree.children[1], &ViewHandlers::onToggle, false);
+  const auto& segments = *tree.children[2];
   EXPECT_EQ(std::get<NativeSegments>(segments.properties.content).selected, 1u);
-  segments.handlers.onSelect(0);
-  segments.handlers.onSelect(3);  // there is none
+  call(segments, &ViewHandlers::onSelect, 0u);
+  call(segments, &ViewHandlers::onSelect, 3u);  // there is none
   EXPECT_EQ(called, "pressed off 1 ");
 }
 

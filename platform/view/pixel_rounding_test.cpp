@@ -46,7 +46,7 @@ void expectWholePixels(const NativeNode& node, double scale) {
   EXPECT_TRUE(isWhole(node.frame.y, scale)) << node.frame.y;
   EXPECT_TRUE(isWhole(node.frame.width, scale)) << node.frame.width;
   EXPECT_TRUE(isWhole(node.frame.height, scale)) << node.frame.height;
-  for (const auto& child : node.children) expectWholePixels(child, scale);
+  for (const auto& child : node.children) expectWholePixels(*child, scale);
 }
 
 TEST(PixelRounding, EveryFrameBeginsAndEndsAtAPixel) {
@@ -63,9 +63,9 @@ TEST(PixelRounding, NeighboursThatTouchStillTouch) {
     for (int i = 0; i < 50; ++i) cells.push_back(box(Color::red, 3.37, 2));
     const auto row = treeOf(HStack({.spacing = 0}, cells).padding(0.9), scale);
     for (std::size_t i = 1; i < row.children.size(); ++i) {
-      EXPECT_NEAR(row.children[i - 1].frame.maxX(), row.children[i].frame.x, kExact);
+      EXPECT_NEAR(row.children[i - 1]->frame.maxX(), row.children[i]->frame.x, kExact);
     }
-    EXPECT_NEAR(row.children.back().frame.maxX(), 0.9 + 50 * 3.37, 1 / scale);
+    EXPECT_NEAR(row.children.back()->frame.maxX(), 0.9 + 50 * 3.37, 1 / scale);
   }
 }
 
@@ -75,10 +75,10 @@ TEST(PixelRounding, ChildrenStayWhereTheyAreInANativeParent) {
     SCOPED_TRACE(scale);
     const auto inside = box(Color::red, 5.2, 5.2).padding(1.7);
     const auto tree = treeOf(Button([] {}, inside).background(inside).padding(0.6), scale);
-    const auto& plain = tree.children[0];
-    const auto& button = tree.children[1];
-    EXPECT_NEAR(button.frame.x + button.children[0].frame.x, plain.frame.x, kExact);
-    EXPECT_NEAR(button.children[0].frame.width, plain.frame.width, kExact);
+    const auto& plain = *tree.children[0];
+    const auto& button = *tree.children[1];
+    EXPECT_NEAR(button.frame.x + button.children[0]->frame.x, plain.frame.x, kExact);
+    EXPECT_NEAR(button.children[0]->frame.width, plain.frame.width, kExact);
   }
 }
 
@@ -90,7 +90,7 @@ TEST(PixelRounding, TextIsNeverNarrowerThanItWasMeasured) {
         const auto tree = treeOf(
             text.frame({.width = 300 + quarters / 4.0}).padding(Edges::leading, 0.1 * quarters),
             scale);
-        ASSERT_GE(tree.children[0].frame.width, 6.5 * length - kExact)
+        ASSERT_GE(tree.children[0]->frame.width, 6.5 * length - kExact)
             << length << " characters at scale " << scale << ", " << quarters;
       }
     }
@@ -98,20 +98,20 @@ TEST(PixelRounding, TextIsNeverNarrowerThanItWasMeasured) {
 }
 
 TEST(PixelRounding, HalfAPixelGoesUp) {
-  EXPECT_EQ(treeOf(box(Color::red, 4, 4).padding(0.5), 1).children[0].frame, (Rect{1, 1, 4, 4}));
-  EXPECT_EQ(treeOf(box(Color::red, 4, 4).padding(0.5), 2).children[0].frame,
+  EXPECT_EQ(treeOf(box(Color::red, 4, 4).padding(0.5), 1).children[0]->frame, (Rect{1, 1, 4, 4}));
+  EXPECT_EQ(treeOf(box(Color::red, 4, 4).padding(0.5), 2).children[0]->frame,
             (Rect{0.5, 0.5, 4, 4}));
-  EXPECT_EQ(treeOf(box(Color::red, 4, 4).padding(0.4), 1).children[0].frame, (Rect{0, 0, 4, 4}));
+  EXPECT_EQ(treeOf(box(Color::red, 4, 4).padding(0.4), 1).children[0]->frame, (Rect{0, 0, 4, 4}));
 }
 
 TEST(PixelRounding, ScrollsContentAndPopoversHaveWholeSizes) {
   const Binding<bool> on([] { return true; }, [](bool) {});
   const auto scroll = ScrollView(box(Color::red, 10.3, 20.6));
   const auto view = scroll.popover(on, RectEdge::maxY, [] { return box(Color::green, 7.4, 7.6); });
-  const auto anchor = treeOf(view, 1).children[0];
-  EXPECT_EQ(std::get<NativeScroll>(anchor.children[0].properties.content).contentSize,
+  const auto anchor = *treeOf(view, 1).children[0];
+  EXPECT_EQ(std::get<NativeScroll>(anchor.children[0]->properties.content).contentSize,
             (Size{10, 21}));
-  EXPECT_EQ(anchor.children[1].frame, (Rect{0, 0, 7, 8}));
+  EXPECT_EQ(anchor.children[1]->frame, (Rect{0, 0, 7, 8}));
 }
 
 }  // namespace

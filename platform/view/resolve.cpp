@@ -22,21 +22,25 @@ const void* typeOf(const ElementContent& content) {
 /// The children of a list's element by their keys; of several with one key each is found once.
 class KeyedChildren {
  public:
-  explicit KeyedChildren(Element* list) {
+  explicit KeyedChildren(Element& element) {
+    const auto* const list = std::get_if<ListElement>(&element.content);
     if (!list) return;
-    for (auto& child : list->children) byKey_.emplace(child.key, &child);
+    for (std::size_t i = 0; i < list->keys.size(); ++i) {
+      byKey_.emplace(list->keys[i], &element.children[i]);
+    }
   }
 
-  Element* take(const std::string& key) {
+  /// A new one, if there is none of that key.
+  Element take(const std::string& key) {
     const auto [first, last] = byKey_.equal_range(key);
-    if (first == last) return nullptr;
+    if (first == last) return {};
     // The order of equal keys is not told; the lowest identity is the one that came first.
     const auto found = std::min_element(first, last, [](const auto& left, const auto& right) {
       return left.second->id < right.second->id;
     });
     auto* const child = found->second;
     byKey_.erase(found);
-    return child;
+    return std::move(*child);
   }
 
  private:
@@ -45,86 +49,103 @@ class KeyedChildren {
 
 }  // namespace
 
-/// Builds the element of one view; `previous` stood in its place before, or nothing.
+/// Makes elements what views say they are. `environment` is what holds where the view stands.
 class ElementBuilder {
  public:
-  ElementBuilder(Resolver& resolver, Environment environment, Element* previous)
-      : resolver_(resolver), environment_(std::move(environment)), previous_(previous) {}
+  explicit ElementBuilder(Resolver& resolver) : resolver_(resolver) {}
 
-  Element build(const View& view) {
-    const auto& node = view.node();
-    return std::visit([&](const auto& content) { return make(content, node.children); },
-                      node.content);
+  void build(Element& element, const View& view, const Environment& environment) {
+    std::visit([&](const auto& node) { make(element, node, environment); }, view.node().content);
   }
 
  private:
-  Element make(const StackNode& stack, const Views& children) {
-    auto element = begin(StackElement{stack.axis, stack.alignment, stack.spacing});
-    environment_.stackAxis = stack.axis;
-    addChildren(element, children);
-    return element;
-  }
-
-  Element make(const KeyedListNode& list, const Views& children) {
-    auto element = begin(ListElement{});
-    KeyedChildren before(matched_);
-    element.children.reserve(children.size());
-    for (std::size_t i = 0; i < children.size(); ++i) {
-      auto child = childBuilder(before.take(list.keys[i])).build(children[i]);
-      child.key = list.keys[i];
-      element.children.push_back(std::move(child));
+  void make(Element& element, const StackNode& stack, const Environment& environment) {
+    begin(element, StackElement{stack.axis, stack.alignment, stack.spacing});
+    Environment inside = environment;
+    inside.stackAxis = stack.axis;
+    element.changed |= element.children.size() != stack.children.size();
+    element.children.resize(stack.children.size());
+    for (std::size_t i = 0; i < stack.children.size(); ++i) {
+      build(element.children[i], stack.children[i], inside);
     }
-    return element;
+    end(element);
   }
 
-  Element make(const TextNode& text, const Views&) {
-    return begin(LeafElement{NativeLabel{.text = text.isKey ? localized(text.text) : text.text,
-                                         .font = environment_.effectiveFont(),
-                                         .color = environment_.effectiveColor(),
-                                         .lineLimit = environment_.lineLimit,
-                                         .alignment = environment_.textAlignment}});
-  }
-
-  Element make(const SymbolNode& symbol, const Views&) {
-    return begin(LeafElement{NativeSymbol{.name = symbol.name,
-                                          .font = environment_.effectiveFont(),
-                                          .color = environment_.effectiveColor()}});
-  }
-
-  Element make(const SpacerNode&, const Views&) {
-    return begin(SpacerElement{environment_.stackAxis});
-  }
-
-  Element make(const DividerNode&, const Views&) {
-    return begin(DividerElement{environment_.stackAxis});
-  }
-
-  Element make(const ShapeNode& shape, const Views&) { return begin(LeafElement{shape.shape}); }
-
-  Element make(const ToggleNode& toggle, const Views&) {
-    const bool isCheckbox = environment_.toggleStyle == ToggleStyle::checkbox;
-    if (!isCheckbox && isLabelShown(toggle.key)) {
-      return build(HStack({Text(toggle.key), Toggle(toggle.key, toggle.isOn).labelsHidden()}));
+  void make(Element& element, const KeyedListNode& list, const Environment& environment) {
+    const auto* const before = std::get_if<ListElement>(&element.content);
+    element.changed = !before || before->keys != list.keys;
+    if (element.changed) arrange(element, list.keys);
+    for (std::size_t i = 0; i < list.children.size(); ++i) {
+      build(element.children[i], list.children[i], environment);
     }
-    auto element = begin(isCheckbox ? LeafElement{checkbox(toggle)}
-                                    : LeafElement{NativeSwitch{.isOn = toggle.isOn.get(),
-                                                               .tint = environment_.tint}});
-    element.handlers.onToggle = [isOn = toggle.isOn](bool value) { isOn.set(value); };
-    return element;
+    end(element);
   }
 
-  NativeCheckbox checkbox(const ToggleNode& toggle) const {
+  void arrange(Element& element, const std::vector<std::string>& keys) {
+    KeyedChildren before(element);
+    std::vector<Element> children;
+    children.reserve(keys.size());
+    for (const auto& key : keys) children.push_back(before.take(key));
+    begin(element, ListElement{keys});
+    element.children = std::move(children);
+  }
+
+  void make(Element& element, const TextNode& text, const Environment& environment) {
+    begin(element, LeafElement{NativeLabel{.text = text.isKey ? localized(text.text) : text.text,
+                                           .font = environment.effectiveFont(),
+                                           .color = environment.effectiveColor(),
+                                           .lineLimit = environment.lineLimit,
+                                           .alignment = environment.textAlignment}});
+    end(element);
+  }
+
+  void make(Element& element, const SymbolNode& symbol, const Environment& environment) {
+    begin(element, LeafElement{NativeSymbol{.name = symbol.name,
+                                            .font = environment.effectiveFont(),
+                                            .color = environment.effectiveColor()}});
+    end(element);
+  }
+
+  void make(Element& element, const SpacerNode&, const Environment& environment) {
+    begin(element, SpacerElement{environment.stackAxis});
+    end(element);
+  }
+
+  void make(Element& element, const DividerNode&, const Environment& environment) {
+    begin(element, DividerElement{environment.stackAxis});
+    end(element);
+  }
+
+  void make(Element& element, const ShapeNode& shape, const Environment&) {
+    begin(element, LeafElement{shape.shape});
+    end(element);
+  }
+
+  void make(Element& element, const ToggleNode& toggle, const Environment& environment) {
+    const bool isCheckbox = environment.toggleStyle == ToggleStyle::checkbox;
+    if (!isCheckbox && isLabelShown(toggle.key, environment)) {
+      const auto control = Toggle(toggle.key, toggle.isOn).labelsHidden();
+      return build(element, HStack({Text(toggle.key), control}), environment);
+    }
+    begin(element, isCheckbox ? LeafElement{checkbox(toggle, environment)}
+                              : LeafElement{NativeSwitch{.isOn = toggle.isOn.get(),
+                                                         .tint = environment.tint}});
+    handlersOf(element).onToggle = [isOn = toggle.isOn](bool value) { isOn.set(value); };
+    end(element);
+  }
+
+  NativeCheckbox checkbox(const ToggleNode& toggle, const Environment& environment) const {
     return {.isOn = toggle.isOn.get(),
-            .title = environment_.labelsHidden ? "" : localized(toggle.key),
-            .font = environment_.effectiveFont(),
-            .color = environment_.effectiveColor()};
+            .title = environment.labelsHidden ? "" : localized(toggle.key),
+            .font = environment.effectiveFont(),
+            .color = environment.effectiveColor()};
   }
 
-  Element make(const PickerNode& picker, const Views&) {
-    if (isLabelShown(picker.key)) {
-      return build(
-          HStack({Text(picker.key),
-                  SegmentedPicker(picker.key, picker.selection, picker.options).labelsHidden()}));
+  void make(Element& element, const PickerNode& picker, const Environment& environment) {
+    if (isLabelShown(picker.key, environment)) {
+      const auto control =
+          SegmentedPicker(picker.key, picker.selection, picker.options).labelsHidden();
+      return build(element, HStack({Text(picker.key), control}), environment);
     }
     NativeSegments segments;
     std::vector<double> tags;
@@ -134,130 +155,138 @@ class ElementBuilder {
       segments.labels.push_back(localized(option.key));
       tags.push_back(option.tag);
     }
-    auto element = begin(LeafElement{std::move(segments)});
-    element.handlers.onSelect = [selected = picker.selection,
-                                 tags = std::move(tags)](std::size_t index) {
+    begin(element, LeafElement{std::move(segments)});
+    handlersOf(element).onSelect = [selected = picker.selection,
+                                    tags = std::move(tags)](std::size_t index) {
       if (index < tags.size()) selected.set(tags[index]);
     };
-    return element;
+    end(element);
   }
 
-  Element make(const ButtonNode& button, const Views& children) {
-    const auto& styling = environment_.buttonStyle;
-    auto element = begin(ButtonElement{}, styling ? styling->type() : nullptr);
-    element.handlers.onPress = button.action;
-    if (!environment_.buttonStyle) {
-      addChildren(element, children);
-      return element;
-    }
-    const auto style = environment_.buttonStyle->copy();
+  void make(Element& element, const ButtonNode& button, const Environment& environment) {
+    const auto& styling = environment.buttonStyle;
+    begin(element, ButtonElement{}, styling ? styling->type() : nullptr);
+    handlersOf(element).onPress = button.action;
+    if (!styling) return inside(element, button.label, environment);
+    const auto style = styling->copy();
     StateScope scope(element.memory, resolver_.invalidate_);
     style->connect(scope);
-    addChildren(element, {style->makeBody({button.role, children.front()})});
-    return element;
+    inside(element, style->makeBody({button.role, button.label}), environment);
   }
 
-  Element make(const ScrollNode&, const Views& children) {
-    auto element = begin(ScrollElement{});
-    environment_.stackAxis = Axis::vertical;
-    addChildren(element, children);
-    return element;
+  void make(Element& element, const ScrollNode& scroll, const Environment& environment) {
+    begin(element, ScrollElement{});
+    Environment within = environment;
+    within.stackAxis = Axis::vertical;
+    inside(element, scroll.inner, within);
   }
 
-  Element make(const ComposedNode& composed, const Views&) {
-    auto element = begin(WrapperElement{}, composed.view->type());
+  void make(Element& element, const ComposedNode& composed, const Environment& environment) {
+    begin(element, WrapperElement{}, composed.view->type());
     StateScope scope(element.memory, resolver_.invalidate_);
     composed.view->connect(scope);
-    addChildren(element, {composed.view->body()});
-    return element;
+    inside(element, composed.view->body(), environment);
   }
 
-  Element make(const EnvironmentNode& environment, const Views& children) {
-    environment.change(environment_);
-    return build(children.front());
+  void make(Element& element, const EnvironmentNode& node, const Environment& environment) {
+    Environment changed = environment;
+    node.change(changed);
+    build(element, node.inner, changed);
   }
 
-  Element make(const PaddingNode& padding, const Views& children) {
-    return wrap(PaddingElement{padding.top, padding.leading, padding.bottom, padding.trailing},
-                children);
+  void make(Element& element, const PaddingNode& padding, const Environment& environment) {
+    begin(element, PaddingElement{padding.top, padding.leading, padding.bottom, padding.trailing});
+    inside(element, padding.inner, environment);
   }
 
-  Element make(const FrameNode& frame, const Views& children) {
-    return wrap(FrameElement{frame.size}, children);
+  void make(Element& element, const FrameNode& frame, const Environment& environment) {
+    begin(element, FrameElement{frame.size});
+    inside(element, frame.inner, environment);
   }
 
-  Element make(const LayerNode& layer, const Views& children) {
-    return wrap(LayerElement{layer.inFront}, children);
+  void make(Element& element, const LayerNode& layer, const Environment& environment) {
+    begin(element, LayerElement{layer.inFront});
+    element.children.resize(2);
+    build(element.children[0], layer.inner, environment);
+    build(element.children[1], layer.layer, environment);
+    end(element);
   }
 
-  Element make(const OpacityNode& opacity, const Views& children) {
-    return wrap(WrapperElement{.opacity = opacity.opacity}, children);
+  void make(Element& element, const OpacityNode& opacity, const Environment& environment) {
+    begin(element, WrapperElement{.opacity = opacity.opacity});
+    inside(element, opacity.inner, environment);
   }
 
-  Element make(const HoverNode& hover, const Views& children) {
-    auto element = wrap(WrapperElement{.tracksHover = true}, children);
-    element.handlers.onHover = hover.action;
-    return element;
+  void make(Element& element, const HoverNode& hover, const Environment& environment) {
+    begin(element, WrapperElement{.tracksHover = true});
+    handlersOf(element).onHover = hover.action;
+    inside(element, hover.inner, environment);
   }
 
-  Element make(const HelpNode& help, const Views& children) {
-    return wrap(WrapperElement{.help = localized(help.key)}, children);
+  void make(Element& element, const HelpNode& help, const Environment& environment) {
+    begin(element, WrapperElement{.help = localized(help.key)});
+    inside(element, help.inner, environment);
   }
 
-  Element make(const AccessibilityNode& accessibility, const Views& children) {
-    return wrap(WrapperElement{.accessibilityLabel = localized(accessibility.key)}, children);
+  void make(Element& element, const AccessibilityNode& node, const Environment& environment) {
+    begin(element, WrapperElement{.accessibilityLabel = localized(node.key)});
+    inside(element, node.inner, environment);
   }
 
-  Element make(const PopoverNode& popover, const Views& children) {
-    auto element = wrap(PopoverElement{popover.arrowEdge}, children);
-    element.handlers.onToggle = [isPresented = popover.isPresented](bool value) {
+  void make(Element& element, const PopoverNode& popover, const Environment& environment) {
+    begin(element, PopoverElement{popover.arrowEdge});
+    handlersOf(element).onToggle = [isPresented = popover.isPresented](bool value) {
       isPresented.set(value);
     };
-    if (!popover.isPresented.get()) return element;
-    environment_ = {};
-    auto* const before =
-        matched_ && matched_->children.size() > 1 ? &matched_->children[1] : nullptr;
-    element.children.push_back(childBuilder(before).wrap(WrapperElement{}, {popover.content()}));
-    return element;
+    const std::size_t count = popover.isPresented.get() ? 2 : 1;
+    element.changed |= element.children.size() != count;
+    element.children.resize(count);
+    build(element.children[0], popover.inner, environment);
+    if (count == 2) {
+      begin(element.children[1], WrapperElement{});
+      inside(element.children[1], popover.content(), {});
+    }
+    end(element);
   }
 
-  Element wrap(ElementContent content, const Views& children) {
-    auto element = begin(std::move(content));
-    addChildren(element, children);
-    return element;
-  }
-
-  /// The element itself, with identity and memory of the one before if it is the same.
-  Element begin(ElementContent content, const void* type = nullptr) {
-    Element element;
-    element.type = type ? type : typeOf(content);
-    element.content = std::move(content);
-    if (previous_ && previous_->type == element.type) {
-      matched_ = previous_;
-      element.id = matched_->id;
-      element.memory = std::move(matched_->memory);
-    } else {
+  /// The element itself: what it was, if it is the same, else a new one.
+  void begin(Element& element, ElementContent content, const void* ownType = nullptr) {
+    const auto* const type = ownType ? ownType : typeOf(content);
+    if (element.type != type) {
+      element = {};
       element.id = ++resolver_.lastId_;
+      element.type = type;
+    } else if (element.content == content) {
+      element.changed = false;
+      return;
     }
-    return element;
+    element.changed = true;
+    element.content = std::move(content);
+    // Whoever is still to be told that the pointer has left is told by the old ones.
+    element.handlers = nullptr;
   }
 
-  void addChildren(Element& element, const Views& children) {
-    element.children.reserve(children.size());
-    for (const auto& child : children) {
-      const auto index = element.children.size();
-      auto* const before =
-          matched_ && index < matched_->children.size() ? &matched_->children[index] : nullptr;
-      element.children.push_back(childBuilder(before).build(child));
-    }
+  static ViewHandlers& handlersOf(Element& element) {
+    if (!element.handlers) element.handlers = std::make_shared<ViewHandlers>();
+    return *element.handlers;
   }
 
-  ElementBuilder childBuilder(Element* previous) const {
-    return {resolver_, environment_, previous};
+  /// The only child, and the end of the element.
+  void inside(Element& element, const View& view, const Environment& environment) {
+    element.children.resize(1);
+    build(element.children.front(), view, environment);
+    end(element);
   }
 
-  bool isLabelShown(const std::string& key) const {
-    return !environment_.labelsHidden && !key.empty();
+  static void end(Element& element) {
+    for (const auto& child : element.children) element.changed |= child.changed;
+    // An element that stays the same may be offered other sizes for ever.
+    constexpr std::size_t kMostSizes = 16;
+    if (element.changed || element.sizes.size() > kMostSizes) element.sizes.clear();
+  }
+
+  static bool isLabelShown(const std::string& key, const Environment& environment) {
+    return !environment.labelsHidden && !key.empty();
   }
 
   std::string localized(const std::string& key) const {
@@ -265,13 +294,10 @@ class ElementBuilder {
   }
 
   Resolver& resolver_;
-  Environment environment_;
-  Element* previous_;
-  Element* matched_ = nullptr;  ///< previous_, if it is the same element
 };
 
-Element Resolver::resolve(const View& view, Element* previous) {
-  return ElementBuilder(*this, {}, previous).build(view);
+void Resolver::resolve(const View& view, Element& root) {
+  ElementBuilder(*this).build(root, view, {});
 }
 
 }  // namespace quillmont

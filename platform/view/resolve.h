@@ -17,10 +17,10 @@ class Resolver {
   Resolver(Localizer localize, std::function<void()> invalidate)
       : localize_(std::move(localize)), invalidate_(std::move(invalidate)) {}
 
-  /// The elements of `view`. An element that stands where `previous` had one of the same type, or
-  /// has its key in the same list, takes over its identity and its memory; `previous` is used up.
-  /// An identity is never given twice.
-  Element resolve(const View& view, Element* previous);
+  /// Makes `root` the elements of `view`; a new element becomes whatever the view is. An element
+  /// that stands where there was one of the same type, or has its key in the same list, stays the
+  /// same one, with its identity and its memory. An identity is never given twice.
+  void resolve(const View& view, Element& root);
 
  private:
   friend class ElementBuilder;

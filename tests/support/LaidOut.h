@@ -13,7 +13,9 @@
 namespace quillmont::testing {
 
 inline Element built(const View& view) {
-  return Resolver({}, [] {}).resolve(view, nullptr);
+  Element element;
+  Resolver({}, [] {}).resolve(view, element);
+  return element;
 }
 
 /// What the view answers to an offer.
@@ -86,5 +88,13 @@ class LaidOut {
     for (const auto& child : element.children) collect(child, wanted, frames);
   }
 };
+
+inline void expectSameFrames(const Element& left, const Element& right) {
+  ASSERT_EQ(left.frame, right.frame);
+  ASSERT_EQ(left.children.size(), right.children.size());
+  for (std::size_t i = 0; i < left.children.size(); ++i) {
+    expectSameFrames(left.children[i], right.children[i]);
+  }
+}
 
 }  // namespace quillmont::testing
