@@ -91,6 +91,21 @@ struct ViewHandlers {
 };
 
 struct NativeNode;
+struct Element;
+
+/// How a stack shares what it was last offered.
+struct StackPlan {
+  struct Child {
+    const Element* element;
+    double gapBefore = 0;
+    ProposedSize offer = {};
+    Size size = {};
+  };
+  std::vector<Child> children;                    ///< those of lists among them
+  std::vector<std::pair<double, Child*>> claims;  ///< of all but spacers, by flexibility
+  ProposedSize offer;
+  Size size;  ///< of the whole stack
+};
 
 /// Lasts from one build of the panel to the next, and with it what need not be reckoned again.
 struct Element {
@@ -108,12 +123,21 @@ struct Element {
   Rect frame;  ///< in the panel's coordinates, or in those of the scroll or popover around it
   ProposedSize offer;  ///< to which it answered with the frame's size
 
-  /// Sizes that were asked for since it changed.
-  mutable std::vector<std::pair<ProposedSize, Size>> sizes;
+  // What the layout has found out since the element changed.
+
+  mutable std::vector<std::pair<ProposedSize, Size>> sizes;  ///< answers of stacks and leaves
+  mutable std::optional<Size> textSize;                      ///< of a text in its own lines
+  mutable std::unique_ptr<StackPlan> plan;
 
   /// What it last became in a native parent with its corner there; none if it has changed or moved.
   mutable std::shared_ptr<const NativeNode> native;
   mutable Point nativeOrigin;
+
+  void forgetSizes() {
+    sizes.clear();
+    textSize.reset();
+    if (plan) plan->children.clear();
+  }
 };
 
 }  // namespace quillmont

@@ -1,26 +1,12 @@
 // One run of the layout. Only the view layer itself looks in here.
 #pragma once
 
-#include <vector>
-
 #include "platform/view/layout.h"
 
 namespace quillmont {
 
 /// The distance that the system itself keeps between two views of a stack.
 inline constexpr double kSystemSpacing = 8;
-
-/// How a stack shares what it was offered.
-struct StackPlan {
-  struct Child {
-    const Element* element;
-    double gapBefore = 0;
-    ProposedSize offer = {};
-    Size size = {};
-  };
-  std::vector<Child> children;  ///< those of lists among them
-  Size size;                    ///< of the whole stack
-};
 
 class Layouter {
  public:
@@ -63,14 +49,14 @@ class Layouter {
   void placeChildren(const WrapperElement&, Element&, const Rect&, const ProposedSize&);
   void placeChildren(const PopoverElement&, Element&, const Rect&, const ProposedSize&);
 
-  Size leafSize(const NativeLabel&, const ProposedSize&);
-  Size leafSize(const NativeSymbol&, const ProposedSize&);
-  Size leafSize(const NativeShape&, const ProposedSize&);
-  Size leafSize(const NativeSwitch&, const ProposedSize&);
-  Size leafSize(const NativeCheckbox&, const ProposedSize&);
-  Size leafSize(const NativeSegments&, const ProposedSize&);
+  Size leafSize(const NativeLabel&, const Element&, const ProposedSize&);
+  Size leafSize(const NativeSymbol&, const Element&, const ProposedSize&);
+  Size leafSize(const NativeShape&, const Element&, const ProposedSize&);
+  Size leafSize(const NativeSwitch&, const Element&, const ProposedSize&);
+  Size leafSize(const NativeCheckbox&, const Element&, const ProposedSize&);
+  Size leafSize(const NativeSegments&, const Element&, const ProposedSize&);
   template <class Other>
-  Size leafSize(const Other&, const ProposedSize&) {
+  Size leafSize(const Other&, const Element&, const ProposedSize&) {
     return {};  // no leaves: groups, buttons, scrolls and popovers are made of elements
   }
   bool isOneLine(const NativeLabel&, Size);
@@ -78,8 +64,8 @@ class Layouter {
 
   static ProposedSize offerInFrame(const FrameElement&, const ProposedSize&);
 
-  StackPlan planStack(const StackElement&, const Element&, const ProposedSize&);
-  StackPlan plan(const StackElement&, const Element&, const ProposedSize&);
+  const StackPlan& planStack(const StackElement&, const Element&, const ProposedSize&);
+  void plan(StackPlan&, const StackElement&, const ProposedSize&);
   void serve(StackPlan::Child&, const ProposedSize&);
   void planShares(StackPlan&, Axis, double along, std::optional<double> across);
   double flexibility(const Element&, Axis, std::optional<double> across);

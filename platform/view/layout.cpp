@@ -131,12 +131,16 @@ Size Layouter::measure(const PopoverElement&, const Element& element, const Prop
   return sizeOf(element.children.front(), offer);
 }
 
-Size Layouter::measure(const LeafElement& leaf, const Element&, const ProposedSize& offer) {
-  return std::visit([&](const auto& content) { return leafSize(content, offer); }, leaf.content);
+Size Layouter::measure(const LeafElement& leaf, const Element& element, const ProposedSize& offer) {
+  return std::visit([&](const auto& content) { return leafSize(content, element, offer); },
+                    leaf.content);
 }
 
-Size Layouter::leafSize(const NativeLabel& label, const ProposedSize& offer) {
-  Size size = texts_.natural(label.text, label.font, metrics_);
+Size Layouter::leafSize(const NativeLabel& label, const Element& element,
+                        const ProposedSize& offer) {
+  auto& natural = element.textSize;
+  if (!natural) natural = texts_.natural(label.text, label.font, metrics_);
+  Size size = *natural;
   const bool tooWide = offer.width && *offer.width < size.width;
   // Asked only for how narrow it can be; nobody sees a text of no width.
   if (tooWide && *offer.width <= 0) return {0, size.height};
@@ -166,26 +170,26 @@ Size Layouter::inLessHeight(const NativeLabel& label, const ProposedSize& offer,
   return texts_.size(label.text, label.font, width, lines, metrics_);
 }
 
-Size Layouter::leafSize(const NativeSymbol& symbol, const ProposedSize&) {
+Size Layouter::leafSize(const NativeSymbol& symbol, const Element&, const ProposedSize&) {
   return metrics_.symbolSize(symbol.name, symbol.font);
 }
 
-Size Layouter::leafSize(const NativeShape& shape, const ProposedSize& offer) {
+Size Layouter::leafSize(const NativeShape& shape, const Element&, const ProposedSize& offer) {
   const Size size{within(offer.width, kShapeLength), within(offer.height, kShapeLength)};
   if (shape.kind != NativeShape::Kind::circle) return size;
   const double diameter = std::min(size.width, size.height);
   return {diameter, diameter};
 }
 
-Size Layouter::leafSize(const NativeSwitch&, const ProposedSize&) {
+Size Layouter::leafSize(const NativeSwitch&, const Element&, const ProposedSize&) {
   return metrics_.switchSize();
 }
 
-Size Layouter::leafSize(const NativeCheckbox& checkbox, const ProposedSize&) {
+Size Layouter::leafSize(const NativeCheckbox& checkbox, const Element&, const ProposedSize&) {
   return metrics_.checkboxSize(checkbox.title, checkbox.font);
 }
 
-Size Layouter::leafSize(const NativeSegments& segments, const ProposedSize&) {
+Size Layouter::leafSize(const NativeSegments& segments, const Element&, const ProposedSize&) {
   return metrics_.segmentsSize(segments.labels);
 }
 
@@ -217,7 +221,7 @@ Size Layouter::placeAtOrigin(Element& element) {
 
 void Layouter::placeChildren(const StackElement& stack, Element& element, const Rect& frame,
                              const ProposedSize& offer) {
-  const auto plan = planStack(stack, element, offer);
+  const auto& plan = planStack(stack, element, offer);
   double at = stack.axis == Axis::horizontal ? frame.x : frame.y;
   for (const auto& planned : plan.children) {
     const Size size = planned.size;
@@ -301,7 +305,7 @@ Size layOut(Element& root, const Metrics& metrics, TextSizes& texts) {
 
 void forgetLayout(Element& root) {
   root.changed = true;
-  root.sizes.clear();
+  root.forgetSizes();
   for (auto& child : root.children) forgetLayout(child);
 }
 

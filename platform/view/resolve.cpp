@@ -282,7 +282,7 @@ class ElementBuilder {
     for (const auto& child : element.children) element.changed |= child.changed;
     // An element that stays the same may be offered other sizes for ever.
     constexpr std::size_t kMostSizes = 16;
-    if (element.changed || element.sizes.size() > kMostSizes) element.sizes.clear();
+    if (element.changed || element.sizes.size() > kMostSizes) element.forgetSizes();
   }
 
   static bool isLabelShown(const std::string& key, const Environment& environment) {

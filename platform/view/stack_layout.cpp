@@ -47,21 +47,26 @@ void setGaps(std::vector<StackPlan::Child>& children, std::optional<double> spac
 }  // namespace
 
 /// Where no breadth is offered, that of the broadest child is what all are offered.
-StackPlan Layouter::planStack(const StackElement& stack, const Element& element,
-                              const ProposedSize& offered) {
+const StackPlan& Layouter::planStack(const StackElement& stack, const Element& element,
+                                     const ProposedSize& offered) {
+  if (!element.plan) element.plan = std::make_unique<StackPlan>();
+  auto& result = *element.plan;
+  if (result.children.empty()) {
+    collect(element, result.children);
+    setGaps(result.children, stack.spacing);
+  } else if (result.offer == offered) {
+    return result;
+  }
+  result.offer = offered;
+  plan(result, stack, offered);
   const bool horizontal = stack.axis == Axis::horizontal;
-  if (horizontal ? offered.height : offered.width) return plan(stack, element, offered);
-  const double broadest = across(stack.axis, plan(stack, element, offered).size);
-  return plan(stack, element,
-              offer(stack.axis, horizontal ? offered.width : offered.height, broadest));
+  if (horizontal ? offered.height : offered.width) return result;
+  const double broadest = across(stack.axis, result.size);
+  plan(result, stack, offer(stack.axis, horizontal ? offered.width : offered.height, broadest));
+  return result;
 }
 
-StackPlan Layouter::plan(const StackElement& stack, const Element& element,
-                         const ProposedSize& offered) {
-  StackPlan plan;
-  plan.children.reserve(element.children.size());
-  collect(element, plan.children);
-  setGaps(plan.children, stack.spacing);
+void Layouter::plan(StackPlan& plan, const StackElement& stack, const ProposedSize& offered) {
   const bool horizontal = stack.axis == Axis::horizontal;
   const auto length = horizontal ? offered.width : offered.height;
   const auto breadth = horizontal ? offered.height : offered.width;
@@ -76,7 +81,6 @@ StackPlan Layouter::plan(const StackElement& stack, const Element& element,
     widest = std::max(widest, across(stack.axis, child.size));
   }
   plan.size = horizontal ? Size{total, widest} : Size{widest, total};
-  return plan;
 }
 
 void Layouter::serve(StackPlan::Child& child, const ProposedSize& offered) {
@@ -88,8 +92,8 @@ void Layouter::serve(StackPlan::Child& child, const ProposedSize& offered) {
 /// share the rest.
 void Layouter::planShares(StackPlan& plan, Axis axis, double length,
                           std::optional<double> breadth) {
-  std::vector<std::pair<double, StackPlan::Child*>> claims;  // by flexibility, then by place
-  claims.reserve(plan.children.size());
+  auto& claims = plan.claims;
+  claims.clear();
   double left = length;
   for (auto& child : plan.children) {
     left -= child.gapBefore;
@@ -97,7 +101,7 @@ void Layouter::planShares(StackPlan& plan, Axis axis, double length,
       claims.emplace_back(flexibility(*child.element, axis, breadth), &child);
     }
   }
-  std::sort(claims.begin(), claims.end());
+  std::sort(claims.begin(), claims.end());  // of equal ones, the first comes first
   const auto spacers = static_cast<double>(plan.children.size() - claims.size());
   const double reserved = kSystemSpacing * spacers;
   left -= reserved;
