@@ -157,7 +157,7 @@ Shape Shape::shadow(Shadow shadow) const {
   return result;
 }
 
-View Shape::body() const {
+Shape::operator View() const {
   return makeView(ShapeNode{shape_});
 }
 

@@ -160,14 +160,14 @@ View Divider();
 /// A colour that fills what it is offered.
 View Fill(Color color);
 
-/// A figure that fills what it is offered.
+/// A figure that fills what it is offered. It stands wherever a view is wanted.
 class Shape {
  public:
   explicit Shape(NativeShape shape) : shape_(std::move(shape)) {}
   Shape fill(Color color) const;
   Shape stroke(Color color, double lineWidth) const;
   Shape shadow(Shadow shadow) const;
-  View body() const;
+  operator View() const;  // NOLINT(google-explicit-constructor)
 
  private:
   NativeShape shape_;
