@@ -7,7 +7,7 @@ namespace {
 
 template <class Node>
 View makeView(Node node) {
-  return View(std::make_shared<const ViewNode>(ViewNode{std::move(node)}));
+  return View(std::make_shared<const NodeOf<Node>>(std::move(node)));
 }
 
 template <class Change>

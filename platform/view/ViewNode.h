@@ -5,7 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <variant>
+#include <utility>
 #include <vector>
 
 #include "platform/view/View.h"
@@ -114,14 +114,44 @@ struct PopoverNode {
   std::function<View()> content;
 };
 
-using ViewContent =
-    std::variant<StackNode, KeyedListNode, TextNode, SymbolNode, SpacerNode, DividerNode, ShapeNode,
-                 ToggleNode, PickerNode, ButtonNode, ScrollNode, ComposedNode, EnvironmentNode,
-                 PaddingNode, FrameNode, LayerNode, OpacityNode, HoverNode, HelpNode,
-                 AccessibilityNode, PopoverNode>;
+/// Told what a view is.
+class ViewVisitor {
+ public:
+  virtual ~ViewVisitor() = default;
+  virtual void visit(const StackNode&) = 0;
+  virtual void visit(const KeyedListNode&) = 0;
+  virtual void visit(const TextNode&) = 0;
+  virtual void visit(const SymbolNode&) = 0;
+  virtual void visit(const SpacerNode&) = 0;
+  virtual void visit(const DividerNode&) = 0;
+  virtual void visit(const ShapeNode&) = 0;
+  virtual void visit(const ToggleNode&) = 0;
+  virtual void visit(const PickerNode&) = 0;
+  virtual void visit(const ButtonNode&) = 0;
+  virtual void visit(const ScrollNode&) = 0;
+  virtual void visit(const ComposedNode&) = 0;
+  virtual void visit(const EnvironmentNode&) = 0;
+  virtual void visit(const PaddingNode&) = 0;
+  virtual void visit(const FrameNode&) = 0;
+  virtual void visit(const LayerNode&) = 0;
+  virtual void visit(const OpacityNode&) = 0;
+  virtual void visit(const HoverNode&) = 0;
+  virtual void visit(const HelpNode&) = 0;
+  virtual void visit(const AccessibilityNode&) = 0;
+  virtual void visit(const PopoverNode&) = 0;
+};
 
 struct ViewNode {
-  ViewContent content;
+  virtual ~ViewNode() = default;
+  virtual void tell(ViewVisitor& visitor) const = 0;
+};
+
+/// Each view takes only the room that its own kind needs: a panel is made of many, once a second.
+template <class Content>
+struct NodeOf final : ViewNode {
+  explicit NodeOf(Content content_) : content(std::move(content_)) {}
+  void tell(ViewVisitor& visitor) const override { visitor.visit(content); }
+  const Content content;
 };
 
 }  // namespace quillmont

@@ -49,103 +49,102 @@ class KeyedChildren {
 
 }  // namespace
 
-/// Makes elements what views say they are. `environment` is what holds where the view stands.
-class ElementBuilder {
+/// Makes an element what a view says it is. `environment` is what holds where the view stands.
+class ElementBuilder : public ViewVisitor {
  public:
-  explicit ElementBuilder(Resolver& resolver) : resolver_(resolver) {}
+  ElementBuilder(Resolver& resolver, Element& element, const Environment& environment)
+      : resolver_(resolver), element_(element), environment_(environment) {}
 
-  void build(Element& element, const View& view, const Environment& environment) {
-    std::visit([&](const auto& node) { make(element, node, environment); }, view.node().content);
-  }
+  void become(const View& view) { view.node().tell(*this); }
 
  private:
-  void make(Element& element, const StackNode& stack, const Environment& environment) {
-    begin(element, StackElement{stack.axis, stack.alignment, stack.spacing});
-    Environment inside = environment;
+  void visit(const StackNode& stack) override {
+    begin(StackElement{stack.axis, stack.alignment, stack.spacing});
+    Environment inside = environment_;
     inside.stackAxis = stack.axis;
-    element.changed |= element.children.size() != stack.children.size();
-    element.children.resize(stack.children.size());
+    element_.changed |= element_.children.size() != stack.children.size();
+    element_.children.resize(stack.children.size());
     for (std::size_t i = 0; i < stack.children.size(); ++i) {
-      build(element.children[i], stack.children[i], inside);
+      build(element_.children[i], stack.children[i], inside);
     }
-    end(element);
+    end();
   }
 
-  void make(Element& element, const KeyedListNode& list, const Environment& environment) {
-    const auto* const before = std::get_if<ListElement>(&element.content);
-    element.changed = !before || before->keys != list.keys;
-    if (element.changed) arrange(element, list.keys);
+  void visit(const KeyedListNode& list) override {
+    const auto* const before = std::get_if<ListElement>(&element_.content);
+    element_.changed = !before || before->keys != list.keys;
+    if (element_.changed) arrange(list.keys);
     for (std::size_t i = 0; i < list.children.size(); ++i) {
-      build(element.children[i], list.children[i], environment);
+      build(element_.children[i], list.children[i], environment_);
     }
-    end(element);
+    end();
   }
 
-  void arrange(Element& element, const std::vector<std::string>& keys) {
-    KeyedChildren before(element);
+  void arrange(const std::vector<std::string>& keys) {
+    KeyedChildren before(element_);
     std::vector<Element> children;
     children.reserve(keys.size());
     for (const auto& key : keys) children.push_back(before.take(key));
-    begin(element, ListElement{keys});
-    element.children = std::move(children);
+    begin(ListElement{keys});
+    element_.children = std::move(children);
   }
 
-  void make(Element& element, const TextNode& text, const Environment& environment) {
-    begin(element, LeafElement{NativeLabel{.text = text.isKey ? localized(text.text) : text.text,
-                                           .font = environment.effectiveFont(),
-                                           .color = environment.effectiveColor(),
-                                           .lineLimit = environment.lineLimit,
-                                           .alignment = environment.textAlignment}});
-    end(element);
+  void visit(const TextNode& text) override {
+    begin(LeafElement{NativeLabel{.text = text.isKey ? localized(text.text) : text.text,
+                                  .font = environment_.effectiveFont(),
+                                  .color = environment_.effectiveColor(),
+                                  .lineLimit = environment_.lineLimit,
+                                  .alignment = environment_.textAlignment}});
+    end();
   }
 
-  void make(Element& element, const SymbolNode& symbol, const Environment& environment) {
-    begin(element, LeafElement{NativeSymbol{.name = symbol.name,
-                                            .font = environment.effectiveFont(),
-                                            .color = environment.effectiveColor()}});
-    end(element);
+  void visit(const SymbolNode& symbol) override {
+    begin(LeafElement{NativeSymbol{.name = symbol.name,
+                                   .font = environment_.effectiveFont(),
+                                   .color = environment_.effectiveColor()}});
+    end();
   }
 
-  void make(Element& element, const SpacerNode&, const Environment& environment) {
-    begin(element, SpacerElement{environment.stackAxis});
-    end(element);
+  void visit(const SpacerNode&) override {
+    begin(SpacerElement{environment_.stackAxis});
+    end();
   }
 
-  void make(Element& element, const DividerNode&, const Environment& environment) {
-    begin(element, DividerElement{environment.stackAxis});
-    end(element);
+  void visit(const DividerNode&) override {
+    begin(DividerElement{environment_.stackAxis});
+    end();
   }
 
-  void make(Element& element, const ShapeNode& shape, const Environment&) {
-    begin(element, LeafElement{shape.shape});
-    end(element);
+  void visit(const ShapeNode& shape) override {
+    begin(LeafElement{shape.shape});
+    end();
   }
 
-  void make(Element& element, const ToggleNode& toggle, const Environment& environment) {
-    const bool isCheckbox = environment.toggleStyle == ToggleStyle::checkbox;
-    if (!isCheckbox && isLabelShown(toggle.key, environment)) {
+  void visit(const ToggleNode& toggle) override {
+    const bool isCheckbox = environment_.toggleStyle == ToggleStyle::checkbox;
+    if (!isCheckbox && isLabelShown(toggle.key)) {
       const auto control = Toggle(toggle.key, toggle.isOn).labelsHidden();
-      return build(element, HStack({Text(toggle.key), control}), environment);
+      return become(HStack({Text(toggle.key), control}));
     }
-    begin(element, isCheckbox ? LeafElement{checkbox(toggle, environment)}
-                              : LeafElement{NativeSwitch{.isOn = toggle.isOn.get(),
-                                                         .tint = environment.tint}});
-    handlersOf(element).onToggle = [isOn = toggle.isOn](bool value) { isOn.set(value); };
-    end(element);
+    begin(isCheckbox
+              ? LeafElement{checkbox(toggle)}
+              : LeafElement{NativeSwitch{.isOn = toggle.isOn.get(), .tint = environment_.tint}});
+    handlers().onToggle = [isOn = toggle.isOn](bool value) { isOn.set(value); };
+    end();
   }
 
-  NativeCheckbox checkbox(const ToggleNode& toggle, const Environment& environment) const {
+  NativeCheckbox checkbox(const ToggleNode& toggle) const {
     return {.isOn = toggle.isOn.get(),
-            .title = environment.labelsHidden ? "" : localized(toggle.key),
-            .font = environment.effectiveFont(),
-            .color = environment.effectiveColor()};
+            .title = environment_.labelsHidden ? "" : localized(toggle.key),
+            .font = environment_.effectiveFont(),
+            .color = environment_.effectiveColor()};
   }
 
-  void make(Element& element, const PickerNode& picker, const Environment& environment) {
-    if (isLabelShown(picker.key, environment)) {
+  void visit(const PickerNode& picker) override {
+    if (isLabelShown(picker.key)) {
       const auto control =
           SegmentedPicker(picker.key, picker.selection, picker.options).labelsHidden();
-      return build(element, HStack({Text(picker.key), control}), environment);
+      return become(HStack({Text(picker.key), control}));
     }
     NativeSegments segments;
     std::vector<double> tags;
@@ -155,149 +154,158 @@ class ElementBuilder {
       segments.labels.push_back(localized(option.key));
       tags.push_back(option.tag);
     }
-    begin(element, LeafElement{std::move(segments)});
-    handlersOf(element).onSelect = [selected = picker.selection,
-                                    tags = std::move(tags)](std::size_t index) {
+    begin(LeafElement{std::move(segments)});
+    handlers().onSelect = [selected = picker.selection, tags = std::move(tags)](std::size_t index) {
       if (index < tags.size()) selected.set(tags[index]);
     };
-    end(element);
+    end();
   }
 
-  void make(Element& element, const ButtonNode& button, const Environment& environment) {
-    const auto& styling = environment.buttonStyle;
-    begin(element, ButtonElement{}, styling ? styling->type() : nullptr);
-    handlersOf(element).onPress = button.action;
-    if (!styling) return inside(element, button.label, environment);
+  void visit(const ButtonNode& button) override {
+    const auto& styling = environment_.buttonStyle;
+    begin(ButtonElement{}, styling ? styling->type() : nullptr);
+    handlers().onPress = button.action;
+    if (!styling) return inside(button.label, environment_);
     const auto style = styling->copy();
-    StateScope scope(element.memory, resolver_.invalidate_);
+    StateScope scope(element_.memory, resolver_.invalidate_);
     style->connect(scope);
-    inside(element, style->makeBody({button.role, button.label}), environment);
+    inside(style->makeBody({button.role, button.label}), environment_);
   }
 
-  void make(Element& element, const ScrollNode& scroll, const Environment& environment) {
-    begin(element, ScrollElement{});
-    Environment within = environment;
+  void visit(const ScrollNode& scroll) override {
+    begin(ScrollElement{});
+    Environment within = environment_;
     within.stackAxis = Axis::vertical;
-    inside(element, scroll.inner, within);
+    inside(scroll.inner, within);
   }
 
-  void make(Element& element, const ComposedNode& composed, const Environment& environment) {
-    begin(element, WrapperElement{}, composed.view->type());
-    StateScope scope(element.memory, resolver_.invalidate_);
+  void visit(const ComposedNode& composed) override {
+    begin(WrapperElement{}, composed.view->type());
+    StateScope scope(element_.memory, resolver_.invalidate_);
     composed.view->connect(scope);
-    inside(element, composed.view->body(), environment);
+    inside(composed.view->body(), environment_);
   }
 
-  void make(Element& element, const EnvironmentNode& node, const Environment& environment) {
-    Environment changed = environment;
+  void visit(const EnvironmentNode& node) override {
+    Environment changed = environment_;
     node.change(changed);
-    build(element, node.inner, changed);
+    build(element_, node.inner, changed);
   }
 
-  void make(Element& element, const PaddingNode& padding, const Environment& environment) {
-    begin(element, PaddingElement{padding.top, padding.leading, padding.bottom, padding.trailing});
-    inside(element, padding.inner, environment);
+  void visit(const PaddingNode& padding) override {
+    begin(PaddingElement{padding.top, padding.leading, padding.bottom, padding.trailing});
+    inside(padding.inner, environment_);
   }
 
-  void make(Element& element, const FrameNode& frame, const Environment& environment) {
-    begin(element, FrameElement{frame.size});
-    inside(element, frame.inner, environment);
+  void visit(const FrameNode& frame) override {
+    begin(FrameElement{frame.size});
+    inside(frame.inner, environment_);
   }
 
-  void make(Element& element, const LayerNode& layer, const Environment& environment) {
-    begin(element, LayerElement{layer.inFront});
-    element.children.resize(2);
-    build(element.children[0], layer.inner, environment);
-    build(element.children[1], layer.layer, environment);
-    end(element);
+  void visit(const LayerNode& layer) override {
+    begin(LayerElement{layer.inFront});
+    element_.children.resize(2);
+    build(element_.children[0], layer.inner, environment_);
+    build(element_.children[1], layer.layer, environment_);
+    end();
   }
 
-  void make(Element& element, const OpacityNode& opacity, const Environment& environment) {
-    begin(element, WrapperElement{.opacity = opacity.opacity});
-    inside(element, opacity.inner, environment);
+  void visit(const OpacityNode& opacity) override {
+    begin(WrapperElement{.opacity = opacity.opacity});
+    inside(opacity.inner, environment_);
   }
 
-  void make(Element& element, const HoverNode& hover, const Environment& environment) {
-    begin(element, WrapperElement{.tracksHover = true});
-    handlersOf(element).onHover = hover.action;
-    inside(element, hover.inner, environment);
+  void visit(const HoverNode& hover) override {
+    begin(WrapperElement{.tracksHover = true});
+    handlers().onHover = hover.action;
+    inside(hover.inner, environment_);
   }
 
-  void make(Element& element, const HelpNode& help, const Environment& environment) {
-    begin(element, WrapperElement{.help = localized(help.key)});
-    inside(element, help.inner, environment);
+  void visit(const HelpNode& help) override {
+    begin(WrapperElement{.help = localized(help.key)});
+    inside(help.inner, environment_);
   }
 
-  void make(Element& element, const AccessibilityNode& node, const Environment& environment) {
-    begin(element, WrapperElement{.accessibilityLabel = localized(node.key)});
-    inside(element, node.inner, environment);
+  void visit(const AccessibilityNode& node) override {
+    begin(WrapperElement{.accessibilityLabel = localized(node.key)});
+    inside(node.inner, environment_);
   }
 
-  void make(Element& element, const PopoverNode& popover, const Environment& environment) {
-    begin(element, PopoverElement{popover.arrowEdge});
-    handlersOf(element).onToggle = [isPresented = popover.isPresented](bool value) {
+  void visit(const PopoverNode& popover) override {
+    begin(PopoverElement{popover.arrowEdge});
+    handlers().onToggle = [isPresented = popover.isPresented](bool value) {
       isPresented.set(value);
     };
     const std::size_t count = popover.isPresented.get() ? 2 : 1;
-    element.changed |= element.children.size() != count;
-    element.children.resize(count);
-    build(element.children[0], popover.inner, environment);
+    element_.changed |= element_.children.size() != count;
+    element_.children.resize(count);
+    build(element_.children[0], popover.inner, environment_);
     if (count == 2) {
-      begin(element.children[1], WrapperElement{});
-      inside(element.children[1], popover.content(), {});
+      ElementBuilder(resolver_, element_.children[1], {}).wrap(popover.content());
     }
-    end(element);
+    end();
   }
 
-  /// The element itself: what it was, if it is the same, else a new one.
-  void begin(Element& element, ElementContent content, const void* ownType = nullptr) {
+  /// The element itself: the one that it was, if it is the same, else a new one.
+  void begin(ElementContent content, const void* ownType = nullptr) {
     const auto* const type = ownType ? ownType : typeOf(content);
-    if (element.type != type) {
-      element = {};
-      element.id = ++resolver_.lastId_;
-      element.type = type;
-    } else if (element.content == content) {
-      element.changed = false;
+    if (element_.type != type) {
+      element_ = {};
+      element_.id = ++resolver_.lastId_;
+      element_.type = type;
+    } else if (element_.content == content) {
+      element_.changed = false;
       return;
     }
-    element.changed = true;
-    element.content = std::move(content);
+    element_.changed = true;
+    element_.content = std::move(content);
     // Whoever is still to be told that the pointer has left is told by the old ones.
-    element.handlers = nullptr;
+    element_.handlers = nullptr;
   }
 
-  static ViewHandlers& handlersOf(Element& element) {
-    if (!element.handlers) element.handlers = std::make_shared<ViewHandlers>();
-    return *element.handlers;
+  ViewHandlers& handlers() {
+    if (!element_.handlers) element_.handlers = std::make_shared<ViewHandlers>();
+    return *element_.handlers;
   }
 
   /// The only child, and the end of the element.
-  void inside(Element& element, const View& view, const Environment& environment) {
-    element.children.resize(1);
-    build(element.children.front(), view, environment);
-    end(element);
+  void inside(const View& view, const Environment& environment) {
+    element_.children.resize(1);
+    build(element_.children.front(), view, environment);
+    end();
   }
 
-  static void end(Element& element) {
-    for (const auto& child : element.children) element.changed |= child.changed;
+  void wrap(const View& view) {
+    begin(WrapperElement{});
+    inside(view, environment_);
+  }
+
+  void end() {
+    for (const auto& child : element_.children) element_.changed |= child.changed;
     // An element that stays the same may be offered other sizes for ever.
     constexpr std::size_t kMostSizes = 16;
-    if (element.changed || element.sizes.size() > kMostSizes) element.forgetSizes();
+    if (element_.changed || element_.sizes.size() > kMostSizes) element_.forgetSizes();
   }
 
-  static bool isLabelShown(const std::string& key, const Environment& environment) {
-    return !environment.labelsHidden && !key.empty();
+  bool isLabelShown(const std::string& key) const {
+    return !environment_.labelsHidden && !key.empty();
   }
 
   std::string localized(const std::string& key) const {
     return resolver_.localize_ ? resolver_.localize_(key) : key;
   }
 
+  void build(Element& element, const View& view, const Environment& environment) {
+    ElementBuilder(resolver_, element, environment).become(view);
+  }
+
   Resolver& resolver_;
+  Element& element_;
+  const Environment& environment_;
 };
 
 void Resolver::resolve(const View& view, Element& root) {
-  ElementBuilder(*this).build(root, view, {});
+  ElementBuilder(*this, root, {}).become(view);
 }
 
 }  // namespace quillmont
