@@ -50,7 +50,7 @@ class OpenFilesToolSeries : public OpenFilesTool {
   /// Whether the look at hand still has an answer to give.
   bool hasAnswersLeft() const {
     std::ostringstream text;
-    text << std::ifstream(runtime_.path() + "/com.norwaldex.Quillmont/look").rdbuf();
+    text << std::ifstream(look_).rdbuf();
     return text.str().find(std::string("new\0/", 5)) != std::string::npos;
   }
 
@@ -59,6 +59,7 @@ class OpenFilesToolSeries : public OpenFilesTool {
   }
 
   const testing::TemporaryFolder runtime_;
+  const std::string look_ = runtime_.path() + "/com.norwaldex.Quillmont/look";
   const std::string one_ = folder_.path() + "/one";
   const std::string two_ = folder_.path() + "/two";
 };
@@ -119,6 +120,35 @@ TEST_F(OpenFilesToolSeries, MountThatHasComeSinceMeansANewLook) {
   const auto holder = holderOf(two_);
   ASSERT_NO_FATAL_FAILURE(mountMemory(folder_.path() + "/three"));
   EXPECT_EQ(usersInSeries(two_), Pids{holder.pid()});
+}
+
+TEST_F(OpenFilesToolSeries, LookThatCannotBeKeptOrTakenHidesNobody) {
+  if (testing::run({"strace", "-o", "/dev/null", "true"}).status != 0) {
+    GTEST_SKIP() << "there is no strace, or nothing may be traced here";
+  }
+  // The tracer stands aside, so that the test itself remains the one who asks.
+  const auto usersDespite = [&](const std::string& fault, const std::string& place) {
+    auto environment = series();
+    environment["ASAN_OPTIONS"] = "detect_leaks=0";
+    return pidsIn(testing::run({"strace", "-D", "-o", "/dev/null", "-e", "inject=" + fault, kTool,
+                                "-F", "cpn", place},
+                               environment)
+                      .standardOutput);
+  };
+  for (const char* fault :
+       {"flock:error=EIO", "pwrite64:error=ENOSPC", "rename:error=ENOSPC", "unlink:error=EIO"}) {
+    SCOPED_TRACE(fault);
+    std::filesystem::remove(look_);
+    EXPECT_EQ(usersInSeries(one_), Pids{});
+    EXPECT_TRUE(hasAnswersLeft());
+    const auto holder = holderOf(two_);
+    EXPECT_EQ(usersDespite(fault, one_), Pids{}) << "a new series";
+    EXPECT_EQ(usersInSeries(two_), Pids{holder.pid()});
+
+    std::filesystem::remove(look_);
+    EXPECT_EQ(usersInSeries(one_), Pids{});
+    EXPECT_EQ(usersDespite(fault, two_), Pids{holder.pid()});
+  }
 }
 
 TEST_F(OpenFilesToolSeries, ImageThatTookThePlaceOfAnotherIsLookedAtAnew) {
