@@ -6,6 +6,7 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 work=$1
+rm -rf "$work"
 mkdir -p "$work"
 failures=0
 
@@ -31,6 +32,14 @@ demonstrates() {
   grep -q 'Successfully ejected and verified detached: /Volumes/假日照片' "$work/output" || fail "no image was ejected"
   grep -q '磁盘已安全推出' "$work/output" || fail "nothing was announced"
   grep -q 'Nothing is attached any more' "$work/output" || fail "an image is left"
+}
+
+# What apt-get then makes of it is the package's own test.
+makes_a_package() {
+  rm -f dist/quillmont_*.deb
+  ./dev package deb >"$work/output" 2>&1 || fail "it ended with $?"
+  dpkg-deb --contents dist/quillmont_*.deb >>"$work/output" 2>&1 || fail "there is no package"
+  grep -q ' \./usr/lib/quillmont/Contents/MacOS/Quillmont$' "$work/output" || fail "the program is not in it"
 }
 
 # In folders of its own: a program that is there already would be the one that stays. Without a display, so that nothing
@@ -67,12 +76,15 @@ within() {
 
 while read -r command; do
   echo "$command"
+  : >"$work/output"
   case $command in
     './dev demo') demonstrates ;;
     './dev run') runs_until_interrupted ;;
+    './dev package deb && sudo apt-get install ./dist/quillmont_*.deb') makes_a_package ;;
+    './dev package mac') echo "  is tried where the Mac's program is built: ./dev test macos" ;;
     './dev test') echo "  is what runs this" ;;
     xattr*) echo "  is for a Mac" ;;
-    *) fail "nothing here runs it" 2>/dev/null ;;
+    *) fail "nothing here runs it" ;;
   esac
 done < <(commands)
 
