@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/support/RecordedActions.h"
@@ -53,8 +54,9 @@ TEST_F(ActionsUnderWayTest, RunsFromItsStartToItsEnd) {
 }
 
 TEST_F(ActionsUnderWayTest, AnActionWithinAnotherIsNotOverBeforeIt) {
-  target.onAction = [this] {
-    target.onAction = [] {};
+  bool isInner = false;
+  target.onAction = [&] {
+    if (std::exchange(isInner, true)) return;
     actions->hover(2, true);
     story.emplace_back("inner done");
   };
