@@ -10,7 +10,8 @@ inline constexpr double kSystemSpacing = 8;
 
 class Layouter {
  public:
-  Layouter(const Metrics& metrics, TextSizes& texts) : metrics_(metrics), texts_(texts) {}
+  Layouter(const Metrics& metrics, TextSizes& texts)
+      : metrics_(metrics), scale_(metrics.scale()), texts_(texts) {}
 
   /// The size that the element takes when it is offered `offer`.
   Size sizeOf(const Element& element, const ProposedSize& offer);
@@ -71,6 +72,7 @@ class Layouter {
   double flexibility(const Element&, Axis, std::optional<double> across);
 
   const Metrics& metrics_;
+  const double scale_;
   TextSizes& texts_;
 };
 

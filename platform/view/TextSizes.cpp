@@ -9,21 +9,18 @@ std::size_t TextSizes::Hash::operator()(const Question& question) const {
   std::size_t hash = std::hash<std::string>()(question.text);
   const auto mix = [&hash](double number) { hash = hash * 31 + std::hash<double>()(number); };
   mix(question.font.size);
-  mix(static_cast<double>(question.font.weight));
-  mix(question.width.value_or(-1));
-  mix(question.lineLimit.value_or(-1));
+  if (question.width) mix(*question.width);
   return hash;
 }
 
 Size TextSizes::size(const std::string& text, const Font& font, std::optional<double> width,
                      std::optional<int> lineLimit, const Metrics& metrics) {
-  Question question{text, font, width, lineLimit};
-  if (const auto found = current_.find(question); found != current_.end()) return found->second;
-  const auto before = previous_.find(question);
-  const Size size =
+  const auto [found, isNew] = current_.try_emplace(Question{text, font, width, lineLimit});
+  if (!isNew) return found->second;
+  const auto before = previous_.find(found->first);
+  found->second =
       before != previous_.end() ? before->second : metrics.textSize(text, font, width, lineLimit);
-  current_.emplace(std::move(question), size);
-  return size;
+  return found->second;
 }
 
 void TextSizes::beginLayout() {

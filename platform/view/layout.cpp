@@ -151,10 +151,9 @@ Size Layouter::leafSize(const NativeLabel& label, const Element& element,
   if (offer.height && *offer.height < size.height && !isOneLine(label, size)) {
     size = inLessHeight(label, offer, size);
   }
-  const double scale = metrics_.scale();
   // What a font answers is not exact to the last bit; that must not cost a pixel.
   constexpr double kInexact = 1.0 / 256;
-  return {std::ceil(size.width * scale - kInexact) / scale, size.height};
+  return {std::ceil(size.width * scale_ - kInexact) / scale_, size.height};
 }
 
 /// A line with letters of another font may be higher than one without.
