@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <random>
+
 #include "platform/view/changes.h"
 #include "platform/view/native_tree.h"
 #include "tests/support/FakeMount.h"
@@ -117,6 +120,28 @@ TEST(RedrawSweep, OfAListInAnotherOrderLooksLikeANewPanel) {
     panel.show(view);
     expectAsIfNew(panel, view);
     ASSERT_FALSE(HasFailure()) << "round " << round;
+  }
+}
+
+TEST(RedrawSweep, OfMoreAndFewerViewsLooksLikeANewPanel) {
+  Panel panel;
+  for (const std::size_t count : {3, 2, 3, 0, 1}) {
+    SCOPED_TRACE(count);
+    const auto view = VStack({}, Views(count, VerbatimText("row"))).background(Color::red);
+    panel.show(view);
+    expectAsIfNew(panel, view);
+  }
+}
+
+TEST(RedrawSweep, WithAPopoverAndWithoutLooksLikeANewPanel) {
+  Panel panel;
+  for (const bool isShown : {false, true, false, true}) {
+    SCOPED_TRACE(isShown);
+    const Binding<bool> shown([=] { return isShown; }, [](bool) {});
+    const auto view = HStack({VerbatimText("anchor").popover(
+        shown, RectEdge::maxY, [] { return VerbatimText("in the popover"); })});
+    panel.show(view);
+    expectAsIfNew(panel, view);
   }
 }
 
