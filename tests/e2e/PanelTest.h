@@ -71,7 +71,7 @@ class PanelTest : public ::testing::Test {
           before = std::exchange(now, windowOfWidth(8, 64));
           return before && now && before->rectangle == now->rectangle;
         },
-        Milliseconds(10'000));
+        Milliseconds(30'000));
     if (!docked) throw std::runtime_error("no icon in the tray: " + program->output());
     return now->rectangle;
   }
