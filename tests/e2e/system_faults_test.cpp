@@ -164,9 +164,12 @@ TEST_F(SystemFaults, StartWithoutDescriptorsEndsWithALogLine) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
   GTEST_SKIP() << "a sanitizer needs descriptors for looks of its own";
 #endif
-  program = std::make_unique<Program>(
-      std::vector<std::string>{"prlimit", "--nofile=4", "--core=0", programPath()},
-      session->environment());
+  // What the test was started with, and left open, would count as well.
+  const std::string command = "exec 3>&- 4>&- 5>&- 6>&- 7>&- 8>&- 9>&-; exec \"$@\"";
+  program =
+      std::make_unique<Program>(std::vector<std::string>{"bash", "-c", command, "bash", "prlimit",
+                                                         "--nofile=4", "--core=0", programPath()},
+                                session->environment());
   EXPECT_EQ(program->waitForExit(10s), 1);
   EXPECT_THAT(output(), HasSubstr("Quillmont cannot go on: "));
   EXPECT_THAT(output(), HasSubstr(": Too many open files\n"));
