@@ -125,7 +125,7 @@ TEST(RedrawSweep, OfAListInAnotherOrderLooksLikeANewPanel) {
 
 TEST(RedrawSweep, OfMoreAndFewerViewsLooksLikeANewPanel) {
   Panel panel;
-  for (const std::size_t count : {3, 2, 3, 0, 1}) {
+  for (const std::size_t count : {3u, 2u, 3u, 0u, 1u}) {
     SCOPED_TRACE(count);
     const auto view = VStack({}, Views(count, VerbatimText("row"))).background(Color::red);
     panel.show(view);
