@@ -39,8 +39,8 @@ TEST(ContinuousCorner, ARadiusThatDoesNotFitIsMadeSmaller) {
 }
 
 TEST(ContinuousCorner, WithoutARadiusOrASizeThereIsNone) {
-  for (const auto& corner : {continuousCorner(kWide, 0), continuousCorner(kWide, -3),
-                             continuousCorner({0, 40}, 8)}) {
+  for (const auto& corner :
+       {continuousCorner(kWide, 0), continuousCorner(kWide, -3), continuousCorner({0, 40}, 8)}) {
     EXPECT_EQ(corner.bend, 0);
     EXPECT_EQ(corner.hold, 0);
   }

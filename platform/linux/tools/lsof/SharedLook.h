@@ -4,10 +4,9 @@
 // No answer must hide a user whom a look of one's own would have found, but for one who came since
 // the series began. So a kept answer is given
 //  - only to the process that asked the first question, and only if that said that it asks in
-//  series:
-//    who starts the tool by hand always gets a look of their own;
+//    series: who starts the tool by hand always gets a look of their own;
 //  - once for each volume: who asks again wants to know anew, and with that look a new series
-//  begins;
+//    begins;
 //  - while the mount table is the same, byte for byte;
 //  - within less than a second, counted from the beginning of the look, also through a sleep of
 //    the machine.
