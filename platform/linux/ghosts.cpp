@@ -13,6 +13,7 @@
 #include <optional>
 #include <string_view>
 
+#include "platform/linux/boot_identifier.h"
 #include "platform/linux/loop_devices.h"
 #include "platform/linux/user_folders.h"
 #include "platform/posix/Descriptor.h"
@@ -27,12 +28,6 @@ Result<std::string> ghostFolder() {
   const auto runtime = runtimeFolder();
   if (!runtime) return Error{runtime.errorText()};
   return *runtime + "/ghosts";
-}
-
-Result<std::string> bootIdentifier() {
-  auto text = readFile("/proc/sys/kernel/random/boot_id", 4096);
-  if (text && text->ends_with('\n')) text->pop_back();
-  return text;
 }
 
 /// Mount identifiers are given again after an unmount; with the attachment's sequence the name of

@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "platform/linux/boot_identifier.h"
 #include "platform/linux/question_series.h"
 #include "platform/linux/user_folders.h"
 #include "platform/posix/Descriptor.h"
@@ -88,12 +89,12 @@ bool isFresh(std::string_view began, std::chrono::nanoseconds now) {
 std::optional<SharedLook> SharedLook::ofParent(std::string_view mountTable) {
   if (!std::getenv(kSeriesVariable)) return std::nullopt;
   const auto folder = runtimeFolder();
-  const auto boot = readFile("/proc/sys/kernel/random/boot_id");
+  const auto boot = bootIdentifier();
   const auto parent = getppid();
   const auto start = startOf(parent);
   if (!folder || !boot || start.empty()) return std::nullopt;
   std::string asker =
-      *boot + std::to_string(geteuid()) + " " + std::to_string(parent) + " " + start;
+      *boot + " " + std::to_string(geteuid()) + " " + std::to_string(parent) + " " + start;
   for (const char* const kind : {"mnt", "net", "pid", "user"}) asker += " " + namespaceOf(kind);
   return SharedLook(*folder + "/look", asker.append("\n").append(mountTable));
 }
