@@ -12,6 +12,7 @@
 #include "platform/posix/Descriptor.h"
 #include "tests/e2e/OpenFilesTool.h"
 #include "tests/support/Holder.h"
+#include "tests/support/processes.h"
 
 namespace quillmont {
 namespace {
@@ -142,11 +143,7 @@ TEST_F(OpenFilesTool, ProcessWhoseFirstThreadHasEndedIsKnownThoughLsofDoesNotSee
     return opened(file_, O_RDONLY);
   });
   ASSERT_EQ(syscall(SYS_tgkill, holder.pid(), holder.pid(), SIGUSR1), 0);
-  const auto ended = [&] {
-    std::ostringstream text;
-    text << std::ifstream("/proc/" + std::to_string(holder.pid()) + "/stat").rdbuf();
-    return text.str().find(") Z ") != std::string::npos;
-  };
+  const auto ended = [&] { return testing::isZombie(std::to_string(holder.pid())); };
   ASSERT_TRUE(testing::eventually(ended, std::chrono::seconds(5)));
   expectUsersHere({holder.pid()});
 }

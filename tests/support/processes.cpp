@@ -6,7 +6,6 @@
 #include <sstream>
 
 namespace quillmont::testing {
-namespace {
 
 bool isZombie(const std::string& pid) {
   std::ostringstream text;
@@ -15,8 +14,6 @@ bool isZombie(const std::string& pid) {
   const auto nameEnd = stat.rfind(')');
   return nameEnd != stat.npos && stat.substr(nameEnd, 4) == ") Z ";
 }
-
-}  // namespace
 
 long openDescriptors(pid_t pid) {
   std::error_code gone;
