@@ -82,8 +82,9 @@ class StatusIconEngine : public QIconEngine {
 
   /// The next size that is not larger; a bar with less room than any has the smallest made smaller.
   QSize actualSize(const QSize& room, QIcon::Mode, QIcon::State) override {
-    const int side = std::min(room.width(), room.height());
-    return QSize(std::min(side, largestWithin(side)), std::min(side, largestWithin(side)));
+    const int free = std::min(room.width(), room.height());
+    const int side = std::min(free, largestWithin(free));
+    return QSize(side, side);
   }
 
   QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
