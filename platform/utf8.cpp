@@ -2,12 +2,27 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <cstring>
 
 namespace quillmont {
 namespace {
 
 bool isAscii(char byte) {
   return static_cast<unsigned char>(byte) < 0x80;
+}
+
+/// Passes the ASCII characters at the front, eight at a time as long as there are as many.
+void dropAscii(std::string_view& text) {
+  constexpr std::uint64_t kHighBits = 0x8080808080808080;
+  std::uint64_t eight = 0;
+  while (text.size() >= sizeof eight) {
+    std::memcpy(&eight, text.data(), sizeof eight);
+    if ((eight & kHighBits) != 0) break;
+    text.remove_prefix(sizeof eight);
+  }
+  const auto other = std::find_if_not(text.begin(), text.end(), isAscii);
+  text.remove_prefix(static_cast<std::size_t>(other - text.begin()));
 }
 
 /// The length that the first byte of a character announces, 0 for a byte that starts none.
@@ -40,8 +55,7 @@ Utf8Character firstUtf8Character(std::string_view bytes) {
 
 bool isValidUtf8(std::string_view text) {
   while (!text.empty()) {
-    const auto other = std::find_if_not(text.begin(), text.end(), isAscii);
-    text.remove_prefix(static_cast<std::size_t>(other - text.begin()));
+    dropAscii(text);
     const auto length = firstUtf8Character(text).length;
     if (length == 0) return text.empty();
     text.remove_prefix(length);

@@ -42,5 +42,15 @@ TEST(Utf8, AcceptsWholeTexts) {
   EXPECT_TRUE(isValidUtf8("磁盘 映像 \xF0\x9F\x92\xBF end"));
 }
 
+TEST(Utf8, FindsOneBadByteAtEveryPlaceOfALongText) {
+  const std::string text(40, 'a');
+  ASSERT_TRUE(isValidUtf8(text));
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    auto bad = text;
+    bad[at] = '\xFF';
+    EXPECT_FALSE(isValidUtf8(bad)) << at;
+  }
+}
+
 }  // namespace
 }  // namespace quillmont
