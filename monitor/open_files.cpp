@@ -9,6 +9,13 @@
 namespace quillmont {
 namespace {
 
+/// Whether no newline character begins with this byte, as is so of nearly all: they are passed
+/// without a closer look.
+bool isPlain(char byte) {
+  const auto character = static_cast<unsigned char>(byte);
+  return character > 0x0D && character < 0x80;
+}
+
 /// Length of the newline character that begins at `at`, or 0: line feed, vertical tab, form feed,
 /// carriage return, next line (U+0085), line and paragraph separator (U+2028, U+2029).
 std::size_t newlineLength(std::string_view text, std::size_t at) {
@@ -25,7 +32,7 @@ std::size_t newlineLength(std::string_view text, std::size_t at) {
 std::string_view takeLine(std::string_view& text) {
   std::size_t at = 0;
   std::size_t newline = 0;
-  while (at < text.size() && (newline = newlineLength(text, at)) == 0) ++at;
+  while (at < text.size() && (isPlain(text[at]) || (newline = newlineLength(text, at)) == 0)) ++at;
   const auto line = text.substr(0, at);
   text.remove_prefix(std::min(text.size(), at + newline));
   return line;
