@@ -64,12 +64,11 @@ void QuillmontDaemon::updateIdleTimesAndCheckTimeout() {
   const auto now = host_.clock.now();
   std::vector<DiskImage> remaining;
   remaining.reserve(mountedImages().size());
-  for (auto image : mountedImages()) {
-    if (updateIdleTime(image, now)) {
-      requestEjection(image);
-    } else {
-      remaining.push_back(std::move(image));
-    }
+  for (const auto& image : mountedImages()) {
+    remaining.push_back(image);
+    if (!updateIdleTime(remaining.back(), now)) continue;
+    requestEjection(image);
+    remaining.pop_back();
   }
   mountedImages_.set(std::move(remaining));
 }

@@ -4,10 +4,10 @@
 
 #include <atomic>
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -121,7 +121,7 @@ class QuillmontDaemon : public ObservableObject,
   void handleVolumeNotification(VolumeEvent event);
 
  private:
-  using Times = std::map<std::string, TimePoint>;
+  using Times = std::unordered_map<std::string, TimePoint>;
 
   /// A cycle's copies of the two maps.
   struct ImageTimes {

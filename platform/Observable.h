@@ -78,32 +78,36 @@ class ObservableObject {
 template <class T>
 class Published {
  public:
-  Published(ObservableObject& owner, T initial) : owner_(owner), value_(std::move(initial)) {}
+  Published(ObservableObject& owner, T initial)
+      : owner_(owner), value_(std::make_shared<const T>(std::move(initial))) {}
 
   T get() const {
     const std::lock_guard guard(lock_);
-    return value_;
+    return *value_;
   }
 
   /// The value itself. Only on the thread that writes it, and only until it is written again.
-  const T& value() const { return value_; }
+  const T& value() const { return *value_; }
 
   /// Runs `read` on the value under its lock, without a copy. Any thread; `read` stays short.
   template <class Read>
   auto with(Read read) const {
     const std::lock_guard guard(lock_);
-    return read(value_);
+    return read(*value_);
   }
 
   /// Tells that the object will change, stores, and sends the new value on the stream; an
   /// unchanged value goes the same way.
   void set(T value) {
     owner_.objectWillChange().send();
+    // Held until all are told: an observer may set the next one.
+    const auto assigned = std::make_shared<const T>(std::move(value));
+    auto replaced = assigned;
     {
       const std::lock_guard guard(lock_);
-      value_ = value;
+      value_.swap(replaced);
     }
-    values_.send(value);
+    values_.send(*assigned);
   }
 
   /// The value held now at once, then every one that is assigned.
@@ -115,7 +119,7 @@ class Published {
  private:
   ObservableObject& owner_;
   mutable std::mutex lock_;
-  T value_;
+  std::shared_ptr<const T> value_;
   Signal<const T&> values_;
 };
 

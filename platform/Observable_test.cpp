@@ -86,6 +86,19 @@ TEST(Published, TellsBeforeItChangesAndSendsTheValueAfter) {
               ElementsAre("value 1", "will change 1", "value 2", "will change 2", "value 2"));
 }
 
+TEST(Published, ValueLastsUntilAllAreToldThoughAnObserverSetsTheNext) {
+  ObservableObject object;
+  Published<Strings> list(object, {});
+  std::size_t told = 0;
+  const auto first = list.observe([&](const Strings& value) {
+    if (value.size() == 1) list.set({"longer than a string keeps in place", "and one more"});
+  });
+  const auto second = list.observe([&](const Strings& value) { told = value.size(); });
+  list.set({"longer than a string keeps in place"});
+  EXPECT_EQ(told, 1u);
+  EXPECT_EQ(list.get().size(), 2u);
+}
+
 TEST(Published, IsReadFromOtherThreadsWhileItIsWritten) {
   ObservableObject object;
   Published<Strings> list(object, {"0", "0"});
