@@ -1,5 +1,3 @@
-#include "platform/linux/PropertyListDefaults.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sched.h>
@@ -9,90 +7,23 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 #include <random>
 #include <thread>
 
-#include "platform/Log.h"
-#include "platform/linux/XmlPropertyLists.h"
-#include "platform/posix/files.h"
-#include "tests/support/Program.h"
-#include "tests/support/SharedLog.h"
+#include "platform/linux/PropertyListDefaultsTest.h"
 
 namespace quillmont {
 namespace {
 
-using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::MatchesRegex;
+using testing::namesIn;
+using testing::PropertyListDefaultsTest;
 using ::testing::SizeIs;
 using ::testing::StartsWith;
-
-const XmlPropertyLists kLists;
-constexpr char kDomain[] = "com.example.Test";
-
-std::vector<std::string> namesIn(const std::string& folder) {
-  std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-    names.push_back(entry.path().filename());
-  }
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
-/// Gives root's permissions up while it lives, and the folder `home` to the user it becomes.
-class OrdinaryUser {
- public:
-  explicit OrdinaryUser(const std::string& home) {
-    if (!wasRoot_) return;
-    EXPECT_EQ(chown(home.c_str(), 65534, 65534), 0);
-    EXPECT_EQ(seteuid(65534), 0);
-  }
-  ~OrdinaryUser() {
-    if (!wasRoot_) return;
-    EXPECT_EQ(seteuid(0), 0);
-  }
-  OrdinaryUser(const OrdinaryUser&) = delete;
-  OrdinaryUser& operator=(const OrdinaryUser&) = delete;
-
- private:
-  const bool wasRoot_ = geteuid() == 0;
-};
-
-class PropertyListDefaultsTest : public ::testing::Test {
- protected:
-  /// The store as a new start of the program finds it.
-  PropertyListDefaults start() { return {folder(), kDomain, kLists, log_}; }
-
-  std::string folder() const { return home_.path() + "/config"; }
-  std::string file() const { return folder() + "/" + kDomain + ".plist"; }
-
-  void place(const std::string& bytes) {
-    ASSERT_TRUE(createFolders(folder(), 0700));
-    ASSERT_TRUE(replaceFile(file(), bytes));
-  }
-
-  PropertyList stored() const {
-    const auto bytes = readFile(file());
-    if (!bytes) return "missing";
-    auto list = kLists.parse(*bytes);
-    return list ? *list : PropertyList("damaged");
-  }
-
-  std::vector<std::string> damagedNames() const {
-    auto names = namesIn(folder());
-    std::erase_if(names, [](const auto& name) { return name.find(".damaged-") == name.npos; });
-    return names;
-  }
-
-  testing::SharedLog log_;
-  testing::TemporaryFolder home_;
-};
 
 TEST_F(PropertyListDefaultsTest, StartThatWritesNothingLeavesNothing) {
   auto defaults = start();
@@ -144,7 +75,7 @@ TEST_F(PropertyListDefaultsTest, StringArrayIsNothingForAnyOtherValue) {
 }
 
 TEST_F(PropertyListDefaultsTest, EachWriteReachesTheFileAndKeepsForeignKeys) {
-  place(*kLists.xml(PropertyListDictionary{{"foreign", std::int64_t{1}}, {"a", "old"}}));
+  place(*lists_.xml(PropertyListDictionary{{"foreign", std::int64_t{1}}, {"a", "old"}}));
   auto defaults = start();
   defaults.setObject("a", "new");
   EXPECT_EQ(stored(),
@@ -163,7 +94,7 @@ TEST_F(PropertyListDefaultsTest, UnchangedValueIsWrittenToo) {
 }
 
 TEST_F(PropertyListDefaultsTest, OfAKeyThatStandsTwiceTheLastOneIsReadAndReplaced) {
-  place(*kLists.xml(PropertyListDictionary{{"a", "first"}, {"a", "last"}}));
+  place(*lists_.xml(PropertyListDictionary{{"a", "first"}, {"a", "last"}}));
   auto defaults = start();
   EXPECT_EQ(defaults.object("a"), PropertyList("last"));
   defaults.setObject("a", "new");
@@ -172,87 +103,8 @@ TEST_F(PropertyListDefaultsTest, OfAKeyThatStandsTwiceTheLastOneIsReadAndReplace
 
 TEST_F(PropertyListDefaultsTest, ChangesOfTheFileAreNotSeenAfterTheStart) {
   auto defaults = start();
-  place(*kLists.xml(PropertyListDictionary{{"a", true}}));
+  place(*lists_.xml(PropertyListDictionary{{"a", true}}));
   EXPECT_EQ(defaults.object("a"), std::nullopt);
-}
-
-TEST_F(PropertyListDefaultsTest, DamagedFileIsSetAsideWithOneLogLineBeforeAnyWrite) {
-  const std::string damaged = "<plist><dict><key>a</key>";
-  place(damaged);
-  auto defaults = start();
-  EXPECT_EQ(defaults.object("a"), std::nullopt);
-  ASSERT_THAT(
-      damagedNames(),
-      ElementsAre(MatchesRegex("com\\.example\\.Test\\.plist\\.damaged-[0-9]{8}T[0-9]{6}Z")));
-  EXPECT_EQ(*readFile(folder() + "/" + damagedNames()[0]), damaged);
-  EXPECT_THAT(log_.lines(),
-              ElementsAre(AllOf(StartsWith("Failed to read settings: " + file() + ": line 1"),
-                                HasSubstr(damagedNames()[0]))));
-  defaults.setBool("a", true);
-  EXPECT_EQ(stored(), PropertyList(PropertyListDictionary{{"a", true}}));
-  EXPECT_EQ(*readFile(folder() + "/" + damagedNames()[0]), damaged);
-  EXPECT_THAT(log_.lines(), SizeIs(1));
-}
-
-TEST_F(PropertyListDefaultsTest, EmptyFileAndListThatIsNoDictionaryAreSetAside) {
-  for (const std::string& bytes : {std::string(), *kLists.xml(PropertyListArray{"a"}),
-                                   std::string("bplist00"), std::string("\0", 1)}) {
-    place(bytes);
-    start();
-    EXPECT_EQ(stored(), PropertyList("missing"));
-  }
-  EXPECT_THAT(log_.lines(), SizeIs(4));
-}
-
-TEST_F(PropertyListDefaultsTest, DamagedFilesOfOneSecondAllKeepTheirContents) {
-  for (int i = 0; i < 5; ++i) {
-    place("damaged " + std::to_string(i));
-    start();
-  }
-  std::vector<std::string> contents;
-  for (const auto& name : damagedNames()) contents.push_back(*readFile(folder() + "/" + name));
-  std::sort(contents.begin(), contents.end());
-  EXPECT_THAT(contents,
-              ElementsAre("damaged 0", "damaged 1", "damaged 2", "damaged 3", "damaged 4"));
-}
-
-TEST_F(PropertyListDefaultsTest, FolderInPlaceOfTheFileIsSetAside) {
-  ASSERT_TRUE(createFolders(file() + "/inside", 0700));
-  auto defaults = start();
-  defaults.setBool("a", true);
-  EXPECT_EQ(start().object("a"), PropertyList(true));
-  EXPECT_THAT(damagedNames(), SizeIs(1));
-}
-
-TEST_F(PropertyListDefaultsTest, FileOfAnotherUserIsSetAside) {
-  if (geteuid() != 0) GTEST_SKIP() << "only root can give a file away";
-  place(*kLists.xml(PropertyListDictionary{{"a", true}}));
-  ASSERT_EQ(chown(file().c_str(), 65534, 65534), 0);
-  EXPECT_EQ(start().object("a"), std::nullopt);
-  EXPECT_THAT(damagedNames(), SizeIs(1));
-  EXPECT_THAT(log_.lines(), ElementsAre(HasSubstr("it belongs to somebody else")));
-}
-
-TEST_F(PropertyListDefaultsTest, UnreadableFileIsSetAside) {
-  const OrdinaryUser user(home_.path());
-  place(*kLists.xml(PropertyListDictionary{{"a", true}}));
-  ASSERT_EQ(chmod(file().c_str(), 0), 0);
-  EXPECT_EQ(start().object("a"), std::nullopt);
-  EXPECT_THAT(log_.lines(), ElementsAre(HasSubstr("Permission denied")));
-}
-
-TEST_F(PropertyListDefaultsTest, LinkInPlaceOfTheFileIsReplacedByTheFirstWrite) {
-  const auto foreign = home_.path() + "/foreign.plist";
-  const auto bytes = *kLists.xml(PropertyListDictionary{{"a", "linked"}});
-  ASSERT_TRUE(replaceFile(foreign, bytes));
-  ASSERT_TRUE(createFolders(folder(), 0700));
-  ASSERT_EQ(symlink(foreign.c_str(), file().c_str()), 0);
-  auto defaults = start();
-  EXPECT_EQ(defaults.object("a"), PropertyList("linked"));
-  defaults.setObject("a", "own");
-  EXPECT_EQ(*readFile(foreign), bytes);
-  EXPECT_FALSE(std::filesystem::is_symlink(file()));
-  EXPECT_EQ(start().object("a"), PropertyList("own"));
 }
 
 TEST_F(PropertyListDefaultsTest, FailedWriteIsOneLogLineAndStaysInMemory) {
@@ -275,21 +127,6 @@ TEST_F(PropertyListDefaultsTest, TextThatTheFileCannotCarryIsAFailedWriteAndKeep
   EXPECT_THAT(log_.lines(), ElementsAre(StartsWith("Failed to write settings: ")));
   EXPECT_EQ(stored(), PropertyList(PropertyListDictionary{{"a", true}}));
   EXPECT_EQ(defaults.object("b"), PropertyList("\xFF"));
-}
-
-TEST_F(PropertyListDefaultsTest, DamagedFileThatCannotBeSetAsideIsNotWrittenOver) {
-  const OrdinaryUser user(home_.path());
-  place("damaged");
-  ASSERT_EQ(chmod(folder().c_str(), 0500), 0);
-  auto defaults = start();
-  defaults.setBool("a", true);
-  EXPECT_EQ(*readFile(file()), "damaged");
-  EXPECT_THAT(log_.lines(), ElementsAre(HasSubstr("failed to set it aside: Permission denied"),
-                                        StartsWith("Failed to write settings: ")));
-  ASSERT_EQ(chmod(folder().c_str(), 0700), 0);
-  defaults.setBool("a", true);
-  EXPECT_EQ(stored(), PropertyList(PropertyListDictionary{{"a", true}}));
-  EXPECT_THAT(damagedNames(), SizeIs(1));
 }
 
 TEST_F(PropertyListDefaultsTest, RemovingTheDomainForgetsMemoryAndFile) {

@@ -8,11 +8,11 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
 #include <memory>
 
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/files.h"
+#include "tests/e2e/DiskServiceLaboratory.h"
 #include "tests/support/DiskImages.h"
 
 namespace quillmont {
@@ -20,53 +20,13 @@ namespace {
 
 using namespace std::chrono_literals;
 using testing::DiskImages;
+using Laboratory = testing::DiskServiceLaboratory;
 using testing::eventually;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using testing::Outcome;
 using testing::Program;
 using ::testing::SizeIs;
 using ::testing::StartsWith;
-
-constexpr uid_t kUser = 65534;   // "nobody", whom the rule below allows what a desktop allows
-constexpr uid_t kStranger = 1;   // "daemon", who may detach what others attached, and no more
-constexpr char kBus[] = "/bus";  // in the laboratory's folder
-
-/// Starts bus, device manager, authority and disk service in namespaces of their own: their folders
-/// are private, and all of them end with the first process. $1 is the laboratory's folder.
-constexpr char kLaboratory[] = R"sh(
-mount -t tmpfs none /media && mount -t tmpfs none /run || exit 1
-mount -t tmpfs none /var/lib && mkdir /var/lib/udisks2 && mount --bind "$1/rules" /etc/polkit-1/rules.d || exit 1
-mkdir -p /run/udisks2 /run/udev
-export DBUS_SYSTEM_BUS_ADDRESS="unix:path=$1/bus"
-dbus-daemon --system --nofork --nopidfile --nosyslog --address="$DBUS_SYSTEM_BUS_ADDRESS" &
-/lib/systemd/systemd-udevd &
-comes_up() {  # $1: name on the bus, $2: file for what is said
-  for try in $(seq 200); do
-    dbus-send --system --print-reply --dest="$1" / org.freedesktop.DBus.Peer.Ping >"$2" 2>&1 &&
-      return 0
-    sleep 0.05
-  done
-  return 1
-}
-for try in $(seq 100); do [ -S "$1/bus" ] && break; sleep 0.05; done
-/usr/lib/polkit-1/polkitd --no-debug &
-comes_up org.freedesktop.PolicyKit1 "$1/said" || exit 1
-/usr/libexec/udisks2/udisksd &
-comes_up org.freedesktop.UDisks2 "$1/said" && echo laboratory ready
-wait
-)sh";
-
-constexpr char kRule[] = R"js(
-polkit.addRule(function(action, subject) {
-  if (subject.user == "nobody" && (action.id == "org.freedesktop.udisks2.loop-setup" ||
-                                   action.id == "org.freedesktop.udisks2.filesystem-mount"))
-    return polkit.Result.YES;
-  if (subject.user == "daemon" && (action.id == "org.freedesktop.udisks2.loop-delete-others" ||
-                                   action.id == "org.freedesktop.udisks2.filesystem-unmount-others"))
-    return polkit.Result.YES;
-});
-)js";
 
 /// Mounts the image $1 as soon as a device carries it.
 constexpr char kAutomounter[] = R"sh(
@@ -79,81 +39,6 @@ while :; do
   done
 done 2>/dev/null
 )sh";
-
-class Laboratory {
- public:
-  /// Why it cannot be had on this machine; empty if it can.
-  static std::string whyImpossible() {
-    if (auto reason = DiskImages::whyImpossible(); !reason.empty()) return reason;
-    for (const char* needed :
-         {"/usr/bin/dbus-daemon", "/usr/bin/dbus-send", "/lib/systemd/systemd-udevd",
-          "/usr/lib/polkit-1/polkitd", "/usr/libexec/udisks2/udisksd", "/etc/polkit-1/rules.d"}) {
-      if (access(needed, F_OK) != 0) return std::string("this machine has no ") + needed;
-    }
-    // Entering the laboratory's mounts leaves a changed root folder behind.
-    const auto inside = testing::run(
-        {"nsenter", "--mount=/proc/self/ns/mnt", "test", "-e", DiskImages::toolPath()});
-    if (inside.status != 0) {
-      return "the root folder of the tests is not that of the system";
-    }
-    return "";
-  }
-
-  Laboratory() {
-    chmod(folder_.path().c_str(), 0755);
-    std::filesystem::create_directory(folder_.path() + "/rules");
-    chmod((folder_.path() + "/rules").c_str(), 0755);
-    std::ofstream(folder_.path() + "/rules/10-test.rules") << kRule;
-    std::filesystem::copy_file(DiskImages::toolPath(), tool());
-    chmod(tool().c_str(), 0755);
-    first_ = std::make_unique<Program>(std::vector<std::string>{
-        "unshare", "--mount", "--propagation", "slave", "--pid", "--fork", "--kill-child",
-        "--mount-proc", "sh", "-c", kLaboratory, "sh", folder_.path()});
-  }
-
-  bool comesUp() { return first_->waitForOutput("laboratory ready", 20s); }
-  std::string output() { return first_->output(); }
-
-  /// Runs the tool in the laboratory as `user`.
-  Outcome tool(const std::vector<std::string>& arguments, uid_t user = kUser) const {
-    const std::string home = folder_.path() + "/" + std::to_string(user);
-    std::filesystem::create_directories(home);
-    chmod(home.c_str(), 0700);
-    if (chown(home.c_str(), user, user) != 0) ADD_FAILURE() << "chown";
-    std::vector<std::string> command = {"nsenter",        "--mount",
-                                        "--pid",          "--target",
-                                        child(),          "setpriv",
-                                        "--reuid",        std::to_string(user),
-                                        "--regid",        std::to_string(user),
-                                        "--clear-groups", tool()};
-    command.insert(command.end(), arguments.begin(), arguments.end());
-    return testing::run(command, {{"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + folder_.path() + kBus},
-                                  {"XDG_RUNTIME_DIR", home},
-                                  {"HOME", home}});
-  }
-
-  /// Starts a program in the laboratory as the superuser.
-  std::unique_ptr<Program> start(const std::vector<std::string>& arguments) const {
-    std::vector<std::string> command = {"nsenter", "--mount", "--pid", "--target", child()};
-    command.insert(command.end(), arguments.begin(), arguments.end());
-    return std::make_unique<Program>(command);
-  }
-
-  /// A path of the laboratory as seen from outside of it.
-  std::string inside(const std::string& path) const { return "/proc/" + child() + "/root" + path; }
-
- private:
-  std::string tool() const { return folder_.path() + "/hdiutil"; }
-
-  std::string child() const {
-    const auto pid = std::to_string(first_->pid());
-    const auto children = readFile("/proc/" + pid + "/task/" + pid + "/children");
-    return children ? children->substr(0, children->find(' ')) : "";
-  }
-
-  testing::TemporaryFolder folder_;
-  std::unique_ptr<Program> first_;
-};
 
 class DiskService : public ::testing::Test {
  protected:
@@ -168,7 +53,7 @@ class DiskService : public ::testing::Test {
 
   std::string imageOfUser(const std::string& label) {
     auto image = images_.makeExt4("a \"b\" 翼.img", label);
-    if (chown(image.c_str(), kUser, kUser) != 0) ADD_FAILURE() << "chown";
+    if (chown(image.c_str(), Laboratory::kUser, Laboratory::kUser) != 0) ADD_FAILURE() << "chown";
     return image;
   }
 
@@ -253,7 +138,7 @@ TEST_F(DiskService, ADamagedImageStaysUnattached) {
 TEST_F(DiskService, ItsRefusalIsHandedOnWithoutAskingForAPassword) {
   const auto image = imageOfUser("Quill Stranger");
   chmod(image.c_str(), 0666);
-  const auto outcome = laboratory_->tool({"attach", image}, kStranger);
+  const auto outcome = laboratory_->tool({"attach", image}, Laboratory::kStranger);
   EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(outcome.standardError, HasSubstr("Not authorized"));
   EXPECT_THAT(DiskImages::loopsOf(image), IsEmpty());
@@ -264,7 +149,8 @@ TEST_F(DiskService, TheVolumesOfOthersStay) {
   ASSERT_EQ(laboratory_->tool({"attach", image}).status, 0);
   // May he look and does the service say yes to him, he is refused all the same.
   ASSERT_EQ(chmod(laboratory_->inside("/media/nobody").c_str(), 0755), 0);
-  const auto outcome = laboratory_->tool({"detach", "/media/nobody/Quill Other"}, kStranger);
+  const auto outcome =
+      laboratory_->tool({"detach", "/media/nobody/Quill Other"}, Laboratory::kStranger);
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.standardError, "hdiutil: detach failed - attached by another user\n");
   EXPECT_TRUE(listsPlace("/Volumes/Quill Other"));
@@ -312,7 +198,8 @@ TEST(DiskServiceMissing, WithoutASystemBusAttachingAndDetachingFailWithAReason) 
   chmod(tool.c_str(), 0755);
   for (const char* verb : {"attach", "detach"}) {
     Program program({tool, verb, "/none"},
-                    {{"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + folder.path() + "/none"}}, kUser);
+                    {{"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + folder.path() + "/none"}},
+                    Laboratory::kUser);
     EXPECT_EQ(program.waitForExit(10s), 1);
     EXPECT_EQ(program.output(), std::string("hdiutil: ") + verb +
                                     " failed - cannot reach the system bus: No such file or "

@@ -135,40 +135,6 @@ TEST_F(UninstallPackage, SystemFolderIsLeftToPackagesThatNobodyKnows) {
             0);
 }
 
-/// Installed for all users, and run by one who may not delete it.
-TEST_F(UninstallTest, ApplicationOfAnAdministratorIsLeftToHim) {
-  if (geteuid() != 0) GTEST_SKIP() << "only root can be several users";
-  const auto installed = root + "/local/lib/quillmont";
-  installScriptAlone(installed);
-  put(settingsFolder + "/" + kSettings);
-  ASSERT_EQ(run({"chown", "-R", "65534:65534", home, runtime}).status, 0);
-  const auto before = listingOf(root + "/local");
-  Program script({"/bin/bash", scriptOf(installed)}, environment, 65534);
-  EXPECT_EQ(script.waitForExit(std::chrono::seconds(20)), 1);
-  EXPECT_EQ(script.output(), "deleted " + settingsFolder + "/" + kSettings + "\ndeleted " +
-                                 settingsFolder + "\nuninstall: left " + installed +
-                                 ": deleting it takes an administrator\n");
-  EXPECT_EQ(listingOf(root + "/local"), before);
-}
-
-/// As when root runs with another user's variables.
-TEST_F(UninstallTest, FoldersOfSomebodyElseAreNotLookedInto) {
-  if (geteuid() != 0) GTEST_SKIP() << "only root can give a folder away";
-  const auto theirs = root + "/theirs";
-  put(theirs + "/quillmont/" + kSettings, "another one's");
-  put(theirs + "/com.norwaldex.Quillmont/1", "another one's");
-  put(theirs + "/autostart/" + kEntry, "[Desktop Entry]\nX-Quillmont-LaunchAgent=/there\n");
-  ASSERT_EQ(run({"chown", "-R", "65534:65534", theirs}).status, 0);
-  for (const auto* name : {"CONFIG_HOME", "DATA_HOME", "STATE_HOME", "CACHE_HOME", "RUNTIME_DIR"}) {
-    environment[std::string("XDG_") + name] = theirs;
-  }
-  const auto before = listingOf(theirs);
-  installScriptAlone(bundle);
-  const auto outcome = uninstall();
-  EXPECT_EQ(outcome.status, 0) << outcome.standardError;
-  EXPECT_EQ(listingOf(theirs), before);
-}
-
 TEST_F(UninstallTest, BundleThatIsNotInstalledIsLeft) {
   put(home + "/.config/other");
   const auto place = home + "/build/Quillmont";
