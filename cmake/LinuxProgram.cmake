@@ -2,11 +2,10 @@
 set(QUILLMONT_BUNDLE "${CMAKE_BINARY_DIR}/Quillmont")
 
 # A release is hardened, and the same bytes wherever it is built. Some compilers fortify by themselves.
-set(release $<CONFIG:Release,RelWithDebInfo>)
 set(hardened -fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2
     -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
-target_compile_options(quillmont_options INTERFACE "$<${release}:${hardened}>")
-target_link_options(quillmont_options INTERFACE "$<${release}:LINKER:-z,relro,-z,now>")
+target_compile_options(quillmont_options INTERFACE "$<$<CONFIG:Release>:${hardened}>")
+target_link_options(quillmont_options INTERFACE "$<$<CONFIG:Release>:LINKER:-z,relro,-z,now>")
 
 add_subdirectory(platform/linux)
 
