@@ -117,13 +117,15 @@ struct Element {
   ViewMemory memory;
   std::vector<Element> children;
 
-  /// Since the last build, itself or anything inside of it.
+  // Since the last build, itself or anything inside of it.
   bool changed = true;
+  bool resized = true;  ///< it may take another room; what only looks otherwise need not
 
   Rect frame;  ///< in the panel's coordinates, or in those of the scroll or popover around it
   ProposedSize offer;  ///< to which it answered with the frame's size
 
-  // What the layout has found out since the element changed.
+  // What the layout has found out since the element was resized. An answer rests on those that the
+  // leaves inside have given: these forget none before it is forgotten.
 
   mutable std::vector<std::pair<ProposedSize, Size>> sizes;  ///< answers of stacks and leaves
   mutable std::optional<Size> textSize;                      ///< of a text in its own lines

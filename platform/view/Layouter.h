@@ -1,12 +1,23 @@
 // One run of the layout. Only the view layer itself looks in here.
 #pragma once
 
+#include <algorithm>
+#include <optional>
+
 #include "platform/view/layout.h"
 
 namespace quillmont {
 
 /// The distance that the system itself keeps between two views of a stack.
 inline constexpr double kSystemSpacing = 8;
+
+/// What a shape is without an offer.
+inline constexpr double kShapeLength = 10;
+
+/// What fills an offer, and has a length of its own where there is none.
+inline double within(std::optional<double> offered, double alternative) {
+  return std::max(0.0, offered.value_or(alternative));
+}
 
 class Layouter {
  public:
@@ -15,6 +26,10 @@ class Layouter {
 
   /// The size that the element takes when it is offered `offer`.
   Size sizeOf(const Element& element, const ProposedSize& offer);
+
+  /// Forgets what the element and those inside of it have answered, where that may no longer be so.
+  /// Answers whether the element itself was resized.
+  bool settle(Element& element);
 
   /// `offer` is the one to which the element answered with the frame's size: what is inside is
   /// shared out as it was then.
@@ -60,6 +75,7 @@ class Layouter {
   Size leafSize(const Other&, const Element&, const ProposedSize&) {
     return {};  // no leaves: groups, buttons, scrolls and popovers are made of elements
   }
+  bool answersAsBefore(const LeafElement&, const Element&);
   bool isOneLine(const NativeLabel&, Size);
   Size inLessHeight(const NativeLabel&, const ProposedSize&, Size);
 

@@ -12,7 +12,8 @@ namespace quillmont {
 /// every element. Answers that size. The same elements and metrics give the same frames; nothing
 /// is rounded, but that a text's width is whole device pixels.
 ///
-/// What has not changed since the last layout is not asked again.
+/// What has not changed since the last layout is not asked again, nor what stands around a change
+/// that takes as much room as before.
 Size layOut(Element& root, const Metrics& metrics, TextSizes& texts);
 
 /// Has everything asked anew by the next layout: with other metrics, or another screen.

@@ -82,6 +82,23 @@ TEST(RedrawSweep, WithOneOtherTextAmongManyLooksLikeANewPanel) {
   }
 }
 
+TEST(RedrawSweep, WithAnotherTextAsWideAsTheOldOneLooksLikeANewPanel) {
+  for (unsigned seed = 1; seed <= 200; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    Panel panel;
+    for (const char* const text :
+         {"aaaaaaaa", "aa aa aa", "aaa aaaa", "aaaaaaaa\naa", "aa\naaaaaaaa"}) {
+      RandomViews views(seed);
+      const auto before = views.make(2), after = views.make(2);
+      const auto changing = VStack({}, {VerbatimText(text), VerbatimText("aaaa").lineLimit(1)});
+      const auto view = HStack({before, changing, after}).frame({.width = 40.0 + seed});
+      panel.show(view);
+      expectAsIfNew(panel, view);
+    }
+    ASSERT_FALSE(HasFailure());
+  }
+}
+
 TEST(RedrawSweep, OfAnotherPanelLooksLikeANewOne) {
   Panel panel;
   for (unsigned seed = 1; seed <= 200; ++seed) {

@@ -62,8 +62,7 @@ class ElementBuilder : public ViewVisitor {
     begin(StackElement{stack.axis, stack.alignment, stack.spacing});
     Environment inside = environment_;
     inside.stackAxis = stack.axis;
-    element_.changed |= element_.children.size() != stack.children.size();
-    element_.children.resize(stack.children.size());
+    resizeChildren(stack.children.size());
     for (std::size_t i = 0; i < stack.children.size(); ++i) {
       build(element_.children[i], stack.children[i], inside);
     }
@@ -72,8 +71,9 @@ class ElementBuilder : public ViewVisitor {
 
   void visit(const KeyedListNode& list) override {
     const auto* const before = std::get_if<ListElement>(&element_.content);
-    element_.changed = !before || before->keys != list.keys;
-    if (element_.changed) arrange(list.keys);
+    const bool isOther = !before || before->keys != list.keys;
+    element_.changed = element_.resized = isOther;
+    if (isOther) arrange(list.keys);
     for (std::size_t i = 0; i < list.children.size(); ++i) {
       build(element_.children[i], list.children[i], environment_);
     }
@@ -237,8 +237,7 @@ class ElementBuilder : public ViewVisitor {
       isPresented.set(value);
     };
     const std::size_t count = popover.isPresented.get() ? 2 : 1;
-    element_.changed |= element_.children.size() != count;
-    element_.children.resize(count);
+    resizeChildren(count);
     build(element_.children[0], popover.inner, environment_);
     if (count == 2) {
       ElementBuilder(resolver_, element_.children[1], {}).wrap(popover.content());
@@ -254,10 +253,13 @@ class ElementBuilder : public ViewVisitor {
       element_.id = ++resolver_.lastId_;
       element_.type = type;
     } else if (element_.content == content) {
-      element_.changed = false;
+      element_.changed = element_.resized = false;
       return;
+    } else {
+      element_.changed = true;
+      // Of a leaf the layout finds out.
+      element_.resized = !std::holds_alternative<LeafElement>(content);
     }
-    element_.changed = true;
     element_.content = std::move(content);
     // Whoever is still to be told that the pointer has left is told by the old ones.
     element_.handlers = nullptr;
@@ -280,11 +282,22 @@ class ElementBuilder : public ViewVisitor {
     inside(view, environment_);
   }
 
+  void resizeChildren(std::size_t count) {
+    if (element_.children.size() == count) return;
+    element_.changed = element_.resized = true;
+    element_.children.resize(count);
+  }
+
   void end() {
-    for (const auto& child : element_.children) element_.changed |= child.changed;
-    // An element that stays the same may be offered other sizes for ever.
+    for (const auto& child : element_.children) {
+      element_.changed |= child.changed;
+      element_.resized |= child.resized;
+    }
+    // One that stays the same may be offered other sizes for ever; what it forgets, those around it
+    // forget with it.
     constexpr std::size_t kMostSizes = 16;
-    if (element_.changed || element_.sizes.size() > kMostSizes) element_.forgetSizes();
+    if (element_.sizes.size() > kMostSizes) element_.changed = element_.resized = true;
+    if (element_.changed) element_.native = nullptr;
   }
 
   bool isLabelShown(const std::string& key) const {
