@@ -19,7 +19,8 @@ class Resolver {
 
   /// Makes `root` the elements of `view`; a new element becomes whatever the view is. An element
   /// that stands where there was one of the same type, or has its key in the same list, stays the
-  /// same one, with its identity and its memory. An identity is never given twice.
+  /// same one, with its identity and its memory. An identity is never given twice. What has changed
+  /// is laid out before the next build.
   void resolve(const View& view, Element& root);
 
  private:
