@@ -19,7 +19,7 @@ class Siblings {
     origins_.reserve(after.size());
     Places places;  // mostly all stand where they stood, and none has to be looked for
     for (std::size_t i = 0; i < after.size(); ++i) {
-      if (i < before.size() && isSameView(*before[i], *after[i])) {
+      if (i < before.size() && (before[i] == after[i] || isSameView(*before[i], *after[i]))) {
         origins_.push_back(i);
         continue;
       }
