@@ -151,7 +151,7 @@ Shape Shape::stroke(Color color, double lineWidth) const {
   return result;
 }
 
-Shape Shape::shadow(Shadow shadow) const {
+Shape Shape::shadow(const Shadow& shadow) const {
   Shape result = *this;
   result.shape_.shadow = shadow;
   return result;

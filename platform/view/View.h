@@ -163,10 +163,10 @@ View Fill(Color color);
 /// A figure that fills what it is offered. It stands wherever a view is wanted.
 class Shape {
  public:
-  explicit Shape(NativeShape shape) : shape_(std::move(shape)) {}
+  explicit Shape(NativeShape shape) : shape_(shape) {}
   Shape fill(Color color) const;
   Shape stroke(Color color, double lineWidth) const;
-  Shape shadow(Shadow shadow) const;
+  Shape shadow(const Shadow& shadow) const;
   operator View() const;  // NOLINT(google-explicit-constructor)
 
  private:

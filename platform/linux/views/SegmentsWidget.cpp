@@ -13,7 +13,8 @@ namespace quillmont {
 namespace {
 
 constexpr double kTrackRadius = 6;
-constexpr double kRim = 2;  ///< between the selected segment and the edge
+constexpr double kPillRadius = 5;  ///< of the selected segment
+constexpr double kRim = 2;         ///< between the selected segment and the edge
 
 }  // namespace
 
@@ -73,7 +74,7 @@ class SegmentsWidget::Segment : public PlainControl<QAbstractButton> {
     if (isChecked() || isDown()) {
       painter.setPen(Qt::NoPen);
       painter.setBrush(isChecked() ? colorNow(Color::cyan) : colorNow(Color::primary.opacity(0.1)));
-      painter.drawRoundedRect(pill, kTrackRadius - kRim / 2, kTrackRadius - kRim / 2);
+      painter.drawRoundedRect(pill, kPillRadius, kPillRadius);
     }
     const auto font = isChecked() ? kSelectedSegmentFont : kSegmentFont;
     const auto line = linesOf(label_, font, width(), 1).front();

@@ -17,6 +17,8 @@ class UserActions : public ActionsUnderWay {
   /// `target` must outlive it.
   explicit UserActions(ViewActions& target);
   ~UserActions() override;
+  UserActions(const UserActions&) = delete;
+  UserActions& operator=(const UserActions&) = delete;
 
   void remove(QWidget* widget);
   void remove(std::unique_ptr<PopoverWidget> popover);

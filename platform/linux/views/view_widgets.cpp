@@ -44,6 +44,7 @@ QString toolTip(const std::string& help) {
   return Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text;
 }
 
+// cppcheck-suppress constParameter ; the setter changes it
 void setText(QWidget& widget, QString (QWidget::*get)() const, void (QWidget::*set)(const QString&),
              const std::string& text) {
   const auto next = QString::fromStdString(text);

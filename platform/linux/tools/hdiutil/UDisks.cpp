@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <utility>
 
 #include "platform/posix/errors.h"
 
@@ -60,11 +61,12 @@ std::string UDisks::objectOf(const std::string& device) {
 }
 
 Result<UDisks> UDisks::connect() {
-  sd_bus* bus = nullptr;
-  const int status = sd_bus_open_system(&bus);
+  sd_bus* opened = nullptr;
+  const int status = sd_bus_open_system(&opened);
   if (status < 0) return systemError("cannot reach the system bus", -status);
-  sd_bus_set_method_call_timeout(bus, kMicrosecondsPerCall);
-  return UDisks(Bus(bus, sd_bus_flush_close_unref));
+  Bus bus(opened, sd_bus_flush_close_unref);
+  sd_bus_set_method_call_timeout(bus.get(), kMicrosecondsPerCall);
+  return UDisks(std::move(bus));
 }
 
 UDisks::Message UDisks::newCall(const std::string& object, const char* interface,
