@@ -4,6 +4,8 @@
 #include <QTextLayout>
 #include <algorithm>
 #include <cmath>
+#include <map>
+#include <utility>
 
 namespace quillmont {
 namespace {
@@ -12,6 +14,39 @@ namespace {
 constexpr double kTolerance = 0.01;
 
 constexpr QChar kEllipsis(0x2026);
+
+/// The fonts that were asked for. One that was used before has found its engine, which costs a
+/// sixth of what it costs to measure an idle time.
+class Fonts {
+ public:
+  QFont get(int pixelSize, FontWeight weight) {
+    const QFont own;
+    if (!own.isCopyOf(own_)) {
+      own_ = own;
+      fonts_.clear();
+    }
+    const std::pair key(pixelSize, weight);
+    const auto found = fonts_.find(key);
+    if (found != fonts_.end()) return found->second;
+    if (fonts_.size() >= kMost) fonts_.clear();
+    return fonts_.emplace(key, made(pixelSize, weight)).first->second;
+  }
+
+ private:
+  static constexpr std::size_t kMost = 32;
+
+  static QFont made(int pixelSize, FontWeight weight) {
+    QFont result;
+    result.setFamilies(fontFamilies());
+    result.setPixelSize(pixelSize);
+    result.setWeight(static_cast<QFont::Weight>(weight));
+    result.setHintingPreference(QFont::PreferVerticalHinting);
+    return result;
+  }
+
+  QFont own_;  ///< the application's, with which each of them begins
+  std::map<std::pair<int, FontWeight>, QFont> fonts_;
+};
 
 /// Adds the lines of one paragraph. With a limit it stops one line after it: that there is more is
 /// all that has to be known.
@@ -62,12 +97,8 @@ QStringList fontFamilies() {
 }
 
 QFont fontFor(const Font& font) {
-  QFont result;
-  result.setFamilies(fontFamilies());
-  result.setPixelSize(std::max(1, static_cast<int>(std::lround(font.size))));
-  result.setWeight(static_cast<QFont::Weight>(font.weight));
-  result.setHintingPreference(QFont::PreferVerticalHinting);
-  return result;
+  static auto& fonts = *new Fonts;  // a font must not end after its application
+  return fonts.get(std::max(1, static_cast<int>(std::lround(font.size))), font.weight);
 }
 
 double baseline(const Font& font) {

@@ -5,6 +5,7 @@
 
 #include <QFontInfo>
 #include <QFontMetricsF>
+#include <QGuiApplication>
 
 namespace quillmont {
 namespace {
@@ -26,6 +27,30 @@ TEST(TextLines, LettersAreAsManyPixelsHighAsTheirSizeHasPoints) {
   EXPECT_EQ(fontFor(Font::system(13)).pixelSize(), 13);
   EXPECT_EQ(fontFor(Font::system(24, FontWeight::semibold)).weight(), QFont::DemiBold);
   EXPECT_EQ(fontFor(Font::system(0)).pixelSize(), 1);
+}
+
+TEST(TextLines, AFontIsKept) {
+  const auto font = fontFor(Font::system(13));
+  EXPECT_TRUE(fontFor(Font::system(13)).isCopyOf(font));
+  EXPECT_NE(fontFor(Font::system(13, FontWeight::bold)), font);
+}
+
+TEST(TextLines, AFontIsMadeAnewAfterManyOthers) {
+  const auto font = fontFor(Font::system(13));
+  for (int size = 100; size < 140; ++size) fontFor(Font::system(size));
+  EXPECT_FALSE(fontFor(Font::system(13)).isCopyOf(font));
+  EXPECT_EQ(fontFor(Font::system(13)), font);
+}
+
+TEST(TextLines, AFontFollowsTheApplications) {
+  const auto before = QGuiApplication::font();
+  const auto font = fontFor(Font::system(13));
+  auto slanted = before;
+  slanted.setItalic(true);
+  QGuiApplication::setFont(slanted);
+  EXPECT_TRUE(fontFor(Font::system(13)).italic());
+  QGuiApplication::setFont(before);
+  EXPECT_EQ(fontFor(Font::system(13)), font);
 }
 
 TEST(TextLines, LinesAreAsFarApartAsOnAMac) {
