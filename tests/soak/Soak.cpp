@@ -97,7 +97,7 @@ std::string Soak::figures() const {
   tell("descriptors", vitals_->descriptors());
   tell("threads", vitals_->threads());
   tell("resident KiB", vitals_->kibibytes());
-  text << "longest time from attaching an image until it was seen: "
+  text << "longest time until an image was seen or a request was carried out: "
        << std::chrono::duration<double>(worstDelay_).count() << " s\n";
   return text.str();
 }

@@ -57,6 +57,7 @@ class Soak {
   void watch();
   void takeAnnouncements();
   void takeLog();
+  void takeOutcome(const std::string& label);
   void takeEjection(const std::string& label, const SoakedImage* image);
   void takeSight(SoakedImage& image, LogLine::Kind kind);
   void watchImage(SoakedImage& image);
@@ -94,11 +95,13 @@ class Soak {
   /// Volumes that went by nobody's hand, and when, until the log tells of their ejection.
   std::map<std::string, Steady::time_point> unexplained_;
   std::map<std::string, Steady::time_point> attachedAt_;  ///< of every label there ever was
+  std::map<std::string, Steady::time_point> goneAt_;      ///< of those whose image has gone
   /// Images that were attached by then have been seen: there was a cycle after that time.
   Steady::time_point seenTo_;
   Steady::time_point seenAt_;  ///< when that was learnt
   /// Ejections that were requested by then are over.
   Steady::time_point drainedTo_;
+  /// The longest that an image took to be seen, or a request to be carried out.
   Steady::duration worstDelay_{};
   Steady::time_point began_;
   Steady::time_point ended_;

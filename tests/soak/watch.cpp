@@ -67,11 +67,18 @@ void Soak::takeLog() {
     if (line.kind == Kind::idle || line.kind == Kind::inUse) {
       if (image) takeSight(*image, line.kind);
     } else {
-      drainedTo_ = std::max(drainedTo_, attachedAt_[line.label]);
-      tried_.insert(line.label);
+      takeOutcome(line.label);
       if (line.kind == Kind::ejected) takeEjection(line.label, image);
     }
   }
+}
+
+/// One of an image that had gone was requested before, and tells how late requests are carried out.
+void Soak::takeOutcome(const std::string& label) {
+  drainedTo_ = std::max(drainedTo_, attachedAt_[label]);
+  tried_.insert(label);
+  const auto gone = goneAt_.find(label);
+  if (gone != goneAt_.end()) worstDelay_ = std::max(worstDelay_, Steady::now() - gone->second);
 }
 
 void Soak::takeEjection(const std::string& label, const SoakedImage* image) {
@@ -160,7 +167,7 @@ void Soak::noteGone(SoakedImage& image) {
   }
   note("gone: " + image.label());
   image.attached = false;
-  image.goneAt = Steady::now();
+  image.goneAt = goneAt_[image.label()] = Steady::now();
   image.letGo();
 }
 
