@@ -27,6 +27,13 @@ std::size_t carriedCharacter(std::string_view bytes) {
   return lost ? 0 : xmlCharacterLength(bytes);
 }
 
+/// Whether what is there would be taken for an escape.
+bool looksEscaped(std::string_view bytes) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  return bytes.size() >= 4 && bytes.starts_with("\\x") && kDigits.find(bytes[2]) != kDigits.npos &&
+         kDigits.find(bytes[3]) != kDigits.npos;
+}
+
 bool contains(const std::vector<std::string>& list, const std::string& text) {
   return std::find(list.begin(), list.end(), text) != list.end();
 }
@@ -38,7 +45,7 @@ std::string presentable(std::string_view bytes) {
   std::string text;
   text.reserve(bytes.size());
   while (!bytes.empty()) {
-    const std::size_t length = carriedCharacter(bytes);
+    const std::size_t length = looksEscaped(bytes) ? 0 : carriedCharacter(bytes);
     if (length == 0) {
       const auto byte = static_cast<unsigned char>(bytes.front());
       text.append({'\\', 'x', digits[byte >> 4], digits[byte & 15]});
@@ -65,13 +72,11 @@ std::string presentedVolumePath(const std::string& mountPoint, const std::string
 
 std::string volumeMountPoint(const std::string& presented, const std::string& user,
                              const std::vector<std::string>& allMountPoints) {
-  std::string found;
-  for (const auto& mountPoint : allMountPoints) {
-    if (presentedVolumePath(mountPoint, user, allMountPoints) != presented) continue;
-    // A name that needed no escapes is meant before one that only looks like it.
-    if (found.empty() || presentable(mountPoint) == mountPoint) found = mountPoint;
-  }
-  return found;
+  const auto found = std::find_if(
+      allMountPoints.begin(), allMountPoints.end(), [&](const std::string& mountPoint) {
+        return presentedVolumePath(mountPoint, user, allMountPoints) == presented;
+      });
+  return found == allMountPoints.end() ? std::string() : *found;
 }
 
 }  // namespace quillmont

@@ -12,7 +12,8 @@ namespace quillmont {
 /// The name under which the volume mounted at `mountPoint` is presented to the user `user`.
 /// `allMountPoints` decides a clash: when both roots hold a volume of one name, the one under
 /// /media is presented and the other keeps its path. Bytes that a property list cannot carry
-/// (control characters, invalid UTF-8) come as a backslash, an x and two hexadecimal digits.
+/// (control characters, invalid UTF-8) come as a backslash, an x and two hexadecimal digits, and so
+/// does a backslash that such a text already begins with: no two names are presented alike.
 std::string presentedVolumePath(const std::string& mountPoint, const std::string& user,
                                 const std::vector<std::string>& allMountPoints);
 

@@ -51,10 +51,18 @@ TEST(VolumePaths, UnprintableBytesAreSpelledAndLeadBack) {
   EXPECT_EQ(thereAndBack("/mnt/\xff\xfe"), "/mnt/\\xff\\xfe");
 }
 
-TEST(VolumePaths, ANameThatOnlyLooksSpelledIsMeantFirst) {
-  const MountPoints all = {"/media/ann/\x01", "/media/ann/\\x01"};
-  EXPECT_EQ(volumeMountPoint("/Volumes/\\x01", "ann", all), "/media/ann/\\x01");
-  EXPECT_EQ(volumeMountPoint("/Volumes/\\x01", "ann", {all[1], all[0]}), "/media/ann/\\x01");
+TEST(VolumePaths, ANameThatOnlyLooksSpelledIsAnotherOne) {
+  EXPECT_EQ(thereAndBack("/media/ann/\\x01"), "/Volumes/\\x5cx01");
+  const MountPoints all = {"/media/ann/\x01", "/Volumes/\\x01", "/media/ann/\\x5cx01"};
+  EXPECT_EQ(volumeMountPoint("/Volumes/\\x01", "ann", all), all[0]);
+  EXPECT_EQ(volumeMountPoint("/Volumes/\\x5cx01", "ann", all), all[1]);
+  EXPECT_EQ(volumeMountPoint("/Volumes/\\x5cx5cx01", "ann", all), all[2]);
+}
+
+TEST(VolumePaths, ABackslashThatSpellsNothingStays) {
+  for (const char* const name : {"a\\", "\\x", "\\x1", "\\xg0", "\\xAB", "\\\\x"}) {
+    EXPECT_EQ(presentable(name), name);
+  }
 }
 
 TEST(VolumePaths, NothingIsPresentedUnderAnUnknownName) {
