@@ -30,7 +30,7 @@ long SoakedImage::attach() {
   if (outcome.status != 0) throw Finding("attach " + label_ + ": " + outcome.standardError);
   attached = true;
   seen = byHand = missed = inspected = announced = false;
-  knownInUse_ = false;
+  knownInUse_.reset();
   knownInUseSince_.reset();
   attachedAt = changedAt = Steady::now();
   return files_.verify(place());
@@ -90,8 +90,9 @@ void SoakedImage::inspect() {
 
 void SoakedImage::noteLine(LogLine::Kind kind) {
   if (kind != LogLine::Kind::idle && kind != LogLine::Kind::inUse) return;
-  knownInUse_ = kind == LogLine::Kind::inUse;
-  knownInUseSince_ = knownInUse_ ? std::optional(Steady::now()) : std::nullopt;
+  const bool inUse = kind == LogLine::Kind::inUse;
+  knownInUse_ = inUse;
+  knownInUseSince_ = inUse ? std::optional(Steady::now()) : std::nullopt;
 }
 
 }  // namespace quillmont::testing

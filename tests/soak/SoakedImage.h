@@ -45,7 +45,9 @@ class SoakedImage {
   void inspect();
 
   bool isHeld() const { return holder_ != nullptr; }
-  bool isKnownInUse() const { return knownInUse_; }
+  /// The log has said of this attachment that it is idle, and nothing else since. Of an image that
+  /// comes back before the program knew it gone the log speaks only when its use has changed.
+  bool isTakenForIdle() const { return knownInUse_ == false; }
 
   Steady::time_point heldSince() const { return heldSince_; }
 
@@ -80,7 +82,7 @@ class SoakedImage {
   bool fileDeleted_ = false;
   std::unique_ptr<Holder> holder_;
   Steady::time_point heldSince_;
-  bool knownInUse_ = false;
+  std::optional<bool> knownInUse_;  ///< nothing while the log has not spoken of this attachment
   std::optional<Steady::time_point> knownInUseSince_;
 };
 

@@ -119,7 +119,7 @@ void Soak::watchImage(SoakedImage& image) {
 void Soak::watchMounted(const SoakedImage& image) const {
   if (image.isHeld()) {
     const bool checked = seenTo_ > image.heldSince() && Steady::now() - seenAt_ > kLinesOfOneCycle;
-    if (checked && !image.isKnownInUse()) {
+    if (checked && image.isTakenForIdle()) {
       throw Finding(image.label() + " is held and the program does not know it");
     }
   } else if (enabled_ && !image.excluded && Steady::now() - image.changedAt > patience()) {
