@@ -1,6 +1,7 @@
 // From the kernel's tables to what the program sees: a backing file for each of three loop devices,
 // each ended by a NUL, then the table of mounts.
 
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -58,6 +59,12 @@ void tryInput(std::string_view input) {
   }
   auto mounts = parseMountTable(input);
   std::erase_if(mounts, [](const Mount& mount) { return !isPlain(mount); });
+  // What is mounted from a loop device keeps it attached.
+  std::erase_if(mounts, [&](const Mount& mount) {
+    const auto name = loopOf(mount.source);
+    return name && std::none_of(loops.begin(), loops.end(),
+                                [&](const LoopDevice& loop) { return loop.name == *name; });
+  });
   const auto volumes = imageMounts(mounts, loopOf);
   const ImageTable table(loops, {"loop0p1", "loop0p2"}, mounts, volumes, {}, kUser);
   require(table.images().size() == loops.size(), "every attached image is there");
