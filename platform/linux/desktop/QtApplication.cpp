@@ -38,6 +38,7 @@ QtApplication::~QtApplication() = default;
 QtApplication::QtApplication(EventLoop& loop, Log& log) : LinuxApplication(loop), log_(log) {
   sendQtMessagesTo(log);
   keepFromStartingSessionBus();
+  outliveSessionBus();
   leaveSilentSessionBus(kBusPatience, log);
   const bool ownChoice = !qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
   arguments_.texts = {"Quillmont"};

@@ -59,6 +59,10 @@ void keepFromStartingSessionBus() {
   setenv("DBUS_SESSION_BUS_ADDRESS", busAddressIn(folder && *folder ? folder : usual).c_str(), 1);
 }
 
+void outliveSessionBus() {
+  setenv("DBUS_FATAL_WARNINGS", "0", 0);
+}
+
 void leaveSilentSessionBus(std::chrono::milliseconds patience, Log& log) {
   const auto deadline = Steady::now() + patience;
   const auto bus = startConnecting(getenv("DBUS_SESSION_BUS_ADDRESS"));

@@ -1,5 +1,6 @@
 #include "platform/linux/desktop/session_bus.h"
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/socket.h>
@@ -91,6 +92,23 @@ TEST(SessionBus, OneThatAnswersIsKept) {
   if (!testing::PrivateBus::available()) GTEST_SKIP() << "this machine has no message bus daemon";
   const testing::PrivateBus bus;
   expectLeft(bus.address(), std::chrono::seconds(10), false);
+}
+
+TEST(SessionBus, ALostOneEndsNobodyWhoStillWaitsForIt) {
+  const auto wait = [] {
+    void* const library = dlopen("libdbus-1.so.3", RTLD_NOW);
+    ASSERT_NE(library, nullptr) << dlerror();
+    const auto block = reinterpret_cast<void (*)(void*)>(dlsym(library, "dbus_pending_call_block"));
+    ASSERT_NE(block, nullptr) << dlerror();
+    block(nullptr);
+  };
+  unsetenv("DBUS_FATAL_WARNINGS");
+  EXPECT_NE(forked(wait), 0) << "what it is for";
+  EXPECT_EQ(forked([&] {
+              outliveSessionBus();
+              wait();
+            }),
+            0);
 }
 
 TEST(SessionBus, OneThatIsNotThereOrNoAddressAtAllIsNothingToWaitFor) {
