@@ -114,7 +114,8 @@ std::optional<std::string> recordBytes(const std::string& path) {
   struct stat status = {};
   if (fstat(file.get(), &status) != 0) return std::nullopt;
   if (!S_ISREG(status.st_mode) || status.st_uid != geteuid()) return "";
-  if (status.st_size > 64 * 1024) return "";
+  constexpr off_t kMostBytes = 1 << 16;
+  if (status.st_size > kMostBytes) return "";
   std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
   const ssize_t count = pread(file.get(), bytes.data(), bytes.size(), 0);
   if (count < 0) return std::nullopt;

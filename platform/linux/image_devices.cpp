@@ -69,18 +69,20 @@ bool isVolume(const Mount& mount) {
 }
 
 std::vector<std::string> partitionNames(const std::string& loopName, const std::string& sysBlock) {
+  const std::string prefix = loopName + "p";
   std::map<unsigned, std::string> names;
   std::error_code error;
   for (fs::directory_iterator entry(sysBlock + "/" + loopName, error), end; !error && entry != end;
        entry.increment(error)) {
     const std::string name = entry->path().filename().string();
-    if (!name.starts_with(loopName + "p")) continue;
+    if (!name.starts_with(prefix)) continue;
     unsigned number = 0;
     const auto last = name.data() + name.size();
-    const auto result = std::from_chars(name.data() + loopName.size() + 1, last, number);
+    const auto result = std::from_chars(name.data() + prefix.size(), last, number);
     if (result.ec == std::errc() && result.ptr == last) names.emplace(number, name);
   }
   std::vector<std::string> ordered;
+  ordered.reserve(names.size());
   for (const auto& [number, name] : names) ordered.push_back(name);
   return ordered;
 }

@@ -9,6 +9,8 @@
 namespace quillmont {
 namespace {
 
+constexpr std::string_view kDigits = "0123456789abcdef";  // of an escape
+
 /// In the order of preference.
 std::array<std::string, 2> volumeRoots(const std::string& user) {
   return {"/media/" + user + "/", "/run/media/" + user + "/"};
@@ -29,9 +31,8 @@ std::size_t carriedCharacter(std::string_view bytes) {
 
 /// Whether what is there would be taken for an escape.
 bool looksEscaped(std::string_view bytes) {
-  constexpr std::string_view kDigits = "0123456789abcdef";
-  return bytes.size() >= 4 && bytes.starts_with("\\x") && kDigits.find(bytes[2]) != kDigits.npos &&
-         kDigits.find(bytes[3]) != kDigits.npos;
+  const auto isDigit = [](char character) { return kDigits.find(character) != kDigits.npos; };
+  return bytes.size() >= 4 && bytes.starts_with("\\x") && isDigit(bytes[2]) && isDigit(bytes[3]);
 }
 
 bool contains(const std::vector<std::string>& list, const std::string& text) {
@@ -41,14 +42,13 @@ bool contains(const std::vector<std::string>& list, const std::string& text) {
 }  // namespace
 
 std::string presentable(std::string_view bytes) {
-  constexpr char digits[] = "0123456789abcdef";
   std::string text;
   text.reserve(bytes.size());
   while (!bytes.empty()) {
     const std::size_t length = looksEscaped(bytes) ? 0 : carriedCharacter(bytes);
     if (length == 0) {
       const auto byte = static_cast<unsigned char>(bytes.front());
-      text.append({'\\', 'x', digits[byte >> 4], digits[byte & 15]});
+      text.append({'\\', 'x', kDigits[byte >> 4], kDigits[byte & 15]});
     }
     text.append(bytes.substr(0, length));
     bytes.remove_prefix(std::max<std::size_t>(length, 1));

@@ -8,6 +8,7 @@ namespace quillmont {
 namespace {
 
 bool isSameView(const NativeNode& before, const NativeNode& after) {
+  if (&before == &after) return true;
   return before.id == after.id &&
          before.properties.content.index() == after.properties.content.index();
 }
@@ -19,7 +20,7 @@ class Siblings {
     origins_.reserve(after.size());
     Places places;  // mostly all stand where they stood, and none has to be looked for
     for (std::size_t i = 0; i < after.size(); ++i) {
-      if (i < before.size() && (before[i] == after[i] || isSameView(*before[i], *after[i]))) {
+      if (i < before.size() && isSameView(*before[i], *after[i])) {
         origins_.push_back(i);
         continue;
       }

@@ -1,7 +1,6 @@
 #include "platform/view/layout.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "platform/view/Layouter.h"
 

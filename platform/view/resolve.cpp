@@ -289,10 +289,7 @@ class ElementBuilder : public ViewVisitor {
   }
 
   void end() {
-    for (const auto& child : element_.children) {
-      element_.changed |= child.changed;
-      element_.resized |= child.resized;
-    }
+    for (const auto& child : element_.children) element_.changed |= child.changed;
     // One that stays the same may be offered other sizes for ever; what it forgets, those around it
     // forget with it.
     constexpr std::size_t kMostSizes = 16;

@@ -10,7 +10,6 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::AllOf;
 using ::testing::HasSubstr;
-using ::testing::Not;
 
 /// A home folder in which everything of the program is there, and a lot that looks like it.
 class Uninstall : public UninstallTest {

@@ -2,9 +2,8 @@
 
 #include "platform/linux/volume_paths.h"
 
-#include <algorithm>
-#include <charconv>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/linux/XmlPropertyLists.h"
@@ -16,17 +15,15 @@ namespace {
 constexpr char kUser[] = "user";
 
 /// What presentable() has made of the bytes, undone.
-std::string read(const std::string& text) {
+std::string read(std::string_view text) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
   std::string bytes;
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    unsigned byte = 0;
-    const auto* const digits = text.data() + at + 2;
-    const bool escape =
-        text.compare(at, 2, "\\x") == 0 && at + 4 <= text.size() &&
-        std::none_of(digits, digits + 2, [](char c) { return c >= 'A' && c <= 'F'; }) &&
-        std::from_chars(digits, digits + 2, byte, 16).ptr == digits + 2;
-    bytes += escape ? static_cast<char>(byte) : text[at];
-    if (escape) at += 3;
+  while (!text.empty()) {
+    const bool escape = text.size() >= 4 && text.starts_with("\\x") &&
+                        text.substr(2, 2).find_first_not_of(kDigits) == text.npos;
+    bytes += escape ? static_cast<char>(kDigits.find(text[2]) * 16 + kDigits.find(text[3]))
+                    : text.front();
+    text.remove_prefix(escape ? 4 : 1);
   }
   return bytes;
 }

@@ -1,10 +1,8 @@
 #!/usr/bin/env bash
 # Whether every test that the documents name as a proof exists: `Suite.Name`, also with `*` or `...` for what was left
 # out, and `.Name` for another one of the suite before. A test that is renamed takes its mention along.
-#
-# usage: named_tests.sh [SOURCE_FOLDER]
 set -euo pipefail
-cd "${1:-$(dirname "${BASH_SOURCE[0]}")/../..}"
+cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 
 # Suite.Name of every test that there is.
 tests() {

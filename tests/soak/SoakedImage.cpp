@@ -29,8 +29,7 @@ long SoakedImage::attach() {
   const auto outcome = images_.attach(path_);
   if (outcome.status != 0) throw Finding("attach " + label_ + ": " + outcome.standardError);
   attached = true;
-  seen = byHand = missed = inspected = announced = false;
-  knownInUse_.reset();
+  seen = byHand = missed = inspected = announced = takenForIdle_ = false;
   knownInUseSince_.reset();
   attachedAt = changedAt = Steady::now();
   return files_.verify(place());
@@ -90,9 +89,8 @@ void SoakedImage::inspect() {
 
 void SoakedImage::noteLine(LogLine::Kind kind) {
   if (kind != LogLine::Kind::idle && kind != LogLine::Kind::inUse) return;
-  const bool inUse = kind == LogLine::Kind::inUse;
-  knownInUse_ = inUse;
-  knownInUseSince_ = inUse ? std::optional(Steady::now()) : std::nullopt;
+  takenForIdle_ = kind == LogLine::Kind::idle;
+  knownInUseSince_ = takenForIdle_ ? std::nullopt : std::optional(Steady::now());
 }
 
 }  // namespace quillmont::testing

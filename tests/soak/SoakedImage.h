@@ -47,7 +47,7 @@ class SoakedImage {
   bool isHeld() const { return holder_ != nullptr; }
   /// The log has said of this attachment that it is idle, and nothing else since. Of an image that
   /// comes back before the program knew it gone the log speaks only when its use has changed.
-  bool isTakenForIdle() const { return knownInUse_ == false; }
+  bool isTakenForIdle() const { return takenForIdle_; }
 
   Steady::time_point heldSince() const { return heldSince_; }
 
@@ -64,7 +64,6 @@ class SoakedImage {
   bool missed = false;    ///< it went before its holder could be seen
   bool inspected = true;  ///< since it went
   Steady::time_point attachedAt;
-  Steady::time_point goneAt;
   bool announced = false;
 
   bool excluded = false;
@@ -82,7 +81,7 @@ class SoakedImage {
   bool fileDeleted_ = false;
   std::unique_ptr<Holder> holder_;
   Steady::time_point heldSince_;
-  std::optional<bool> knownInUse_;  ///< nothing while the log has not spoken of this attachment
+  bool takenForIdle_ = false;
   std::optional<Steady::time_point> knownInUseSince_;
 };
 

@@ -167,15 +167,16 @@ void Soak::noteGone(SoakedImage& image) {
   }
   note("gone: " + image.label());
   image.attached = false;
-  image.goneAt = goneAt_[image.label()] = Steady::now();
+  goneAt_[image.label()] = Steady::now();
   image.letGo();
 }
 
 /// The image may come again once the program has done with it.
 void Soak::inspectIfOver(SoakedImage& image) {
   if (image.inspected) return;
-  const bool over = Steady::now() - image.goneAt > patience();
-  if (!image.announced && seenTo_ < image.goneAt && !over) return;
+  const auto goneAt = goneAt_.at(image.label());
+  const bool over = Steady::now() - goneAt > patience();
+  if (!image.announced && seenTo_ < goneAt && !over) return;
   image.inspect();
   ++counts_["images checked"];
 }

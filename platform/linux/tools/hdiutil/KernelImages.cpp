@@ -44,7 +44,7 @@ void renewTimeStamp(const std::string& node) {
 
 Result<std::string> folderFor(const ImageVolume& volume, const std::string& place,
                               const std::vector<std::string>& taken) {
-  const auto media = userMediaFolder();
+  auto media = userMediaFolder();
   if (!media) return media;
   const std::filesystem::path wanted = place;
   if (!place.empty() && wanted.parent_path() == *media) {

@@ -83,9 +83,9 @@ class Detachment {
 };
 
 Result<void> Detachment::run(const std::vector<VolumeMount>& volumes) {
-  const auto done = unmountAll(volumes);
+  auto done = unmountAll(volumes);
   // Who holds one volume holds the image, and with it the places of the others.
-  const auto remembered = lingers_ ? rememberUnmounted() : Result<void>();
+  auto remembered = lingers_ ? rememberUnmounted() : Result<void>();
   if (!done) return done;
   control_.release(loop_);
   // Another mount namespace or a mapping may keep the device for as long as it likes.

@@ -36,7 +36,7 @@ Result<void> putLoginItem(const std::string& folder, const LaunchAgent& agent,
     if (!removed) return Error{removed.errorText()};
     return {};
   }
-  const auto created = createFolders(folder, 0700);
+  auto created = createFolders(folder, 0700);
   if (!created) return created;
   return replaceFile(entryPath(folder, agent.label), autostartEntry(agent, agentPath));
 }
