@@ -191,9 +191,9 @@ View KeyedList(std::vector<KeyedView> views) {
   KeyedListNode list;
   list.keys.reserve(views.size());
   list.children.reserve(views.size());
-  for (auto& [key, view] : views) {
-    list.keys.push_back(std::move(key));
-    list.children.push_back(std::move(view));
+  for (auto& keyed : views) {
+    list.keys.push_back(std::move(keyed.key));
+    list.children.push_back(std::move(keyed.view));
   }
   return makeView(std::move(list));
 }

@@ -102,8 +102,8 @@ void FocusRing::follow() {
     return;
   }
   auto* const place = ringPlaceOf(control_);
-  if (ring_ && ring_->parentWidget() != place) delete ring_;
   if (!ring_) ring_ = new Ring(place);
+  if (ring_->parentWidget() != place) ring_->setParent(place);
   ring_->surround(*control_);
 }
 

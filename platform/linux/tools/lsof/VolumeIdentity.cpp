@@ -116,7 +116,7 @@ std::string mountPointOfVolume(const std::string& path, const std::string& user,
   auto asked = path;
   while (asked.size() > 1 && asked.ends_with('/')) asked.pop_back();
   const auto mountPoints = mountPointsOf(system);
-  const auto mountPoint = volumeMountPoint(asked, user, mountPoints);
+  auto mountPoint = volumeMountPoint(asked, user, mountPoints);
   if (!mountPoint.empty()) return mountPoint;
   return contains(mountPoints, asked) ? asked : std::string();
 }
