@@ -135,14 +135,17 @@ Standing standingOf(const Ghost& ghost, const std::string& sysBlock) {
   return loop.backingFile == ghost.imagePath ? Standing::living : Standing::unknown;
 }
 
-Judged judge(const std::string& path, const std::string& boot, const std::string& sysBlock) {
-  const auto bytes = recordBytes(path);
+/// `name` is that of the record. It says which device and attachment a record may be of: one that
+/// tells of others is none.
+Judged judge(const std::string& folder, const std::string& name, const std::string& boot,
+             const std::string& sysBlock) {
+  const auto bytes = recordBytes(folder + "/" + name);
   if (!bytes) return {};
   const Entries entries = entriesOf(*bytes);
   Judged judged;
   std::string recordedBoot;
   const bool ours = take(entries, "boot", recordedBoot) && recordedBoot == boot;
-  const bool whole = ours && decode(entries, judged.ghost);
+  const bool whole = ours && decode(entries, judged.ghost) && recordName(judged.ghost) == name;
   judged.standing = whole ? standingOf(judged.ghost, sysBlock) : Standing::over;
   return judged;
 }
@@ -185,10 +188,9 @@ std::vector<Ghost> livingGhosts(const std::string& sysBlock) {
   if (!folder || !boot) return {};
   std::vector<Ghost> ghosts;
   for (const auto& name : recordNames(*folder)) {
-    const std::string path = *folder + "/" + name;
-    auto judged = judge(path, *boot, sysBlock);
+    auto judged = judge(*folder, name, *boot, sysBlock);
     if (judged.standing == Standing::living) ghosts.push_back(std::move(judged.ghost));
-    if (judged.standing == Standing::over) unlink(path.c_str());
+    if (judged.standing == Standing::over) unlink((*folder + "/" + name).c_str());
   }
   return ghosts;
 }

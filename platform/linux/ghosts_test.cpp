@@ -170,6 +170,16 @@ TEST_F(Ghosts, ARecordCutShortAnywhereIsNoGhost) {
   }
 }
 
+TEST_F(Ghosts, ARecordOfAnotherNameThanItsGhostsIsNone) {
+  for (const char* device : {"loop4", "./loop3", "//loop3", "../block/loop3"}) {
+    ASSERT_TRUE(rememberGhost(ghost_));
+    block_.attach("loop4", ghost_.imagePath + "\n", "41\n");
+    changeRecord("loop=loop3", std::string("loop=") + device);
+    EXPECT_THAT(living(), IsEmpty()) << device;
+    EXPECT_THAT(records(), IsEmpty()) << device;
+  }
+}
+
 TEST_F(Ghosts, APlantedLinkIsRemovedAndNotFollowed) {
   ASSERT_TRUE(rememberGhost(ghost_));
   const auto path = onlyRecord();
