@@ -136,17 +136,12 @@ class Crowd {
   std::vector<pid_t> members_;
 };
 
-/// Not more than one crowd, whoever asks for it.
-void gather(std::int64_t size) {
-  static const Crowd crowd(size);
-}
-
 /// `commandsFor` names what is run in an iteration.
 template <class CommandsFor>
 void measure(benchmark::State& state, const std::string& program, CommandsFor commandsFor) {
   if (access(program.c_str(), X_OK) != 0) return state.SkipWithError(("no " + program).c_str());
   if (!volumes().complete()) return state.SkipWithError("this user may not mount disk images");
-  if (state.range(0) > 0) gather(state.range(0));
+  const Crowd crowd(state.range(0));
   for (auto _ : state) {
     double spent = 0;
     for (const auto& command : commandsFor()) spent += spentBy(command);
@@ -183,7 +178,6 @@ void openFilesOfTenVolumes(benchmark::State& state) {
   unsetenv(kSeriesVariable);
 }
 
-/// All of the few processes that there are come first, then those beside many more.
 void registerWith(int crowd, int iterations) {
   const auto add = [&](const char* name, void (*function)(benchmark::State&)) {
     benchmark::RegisterBenchmark(name, function)
@@ -198,8 +192,8 @@ void registerWith(int crowd, int iterations) {
 }
 
 const bool registered = [] {
-  registerWith(0, 10);
-  registerWith(1000, 3);
+  registerWith(0, 5);
+  registerWith(1000, 1);
   return true;
 }();
 
