@@ -43,8 +43,8 @@ class AppDelegate : public ApplicationDelegate, public std::enable_shared_from_t
   /// starts by itself, and then the status item with its panel.
   void applicationDidFinishLaunching() override;
 
-  /// Lets an ejection in progress finish, stops the monitor, and leaves nothing behind of a program
-  /// that is being removed.
+  /// Waits for an ejection in progress, for three seconds at most, stops the monitor, and leaves
+  /// nothing behind of a program that is being removed.
   void applicationWillTerminate() override;
 
   /// What a click on the status item does.

@@ -87,7 +87,8 @@ class PropertyListCoder {
   /// text that says what is wrong and, where it can, the line.
   virtual Result<PropertyList> parse(std::string_view bytes) const = 0;
 
-  /// The XML form, version 1.0. Failure: a text with characters that XML cannot carry.
+  /// The XML form, version 1.0. Failure: a text with characters that XML cannot carry, or
+  /// more levels than a reader would take.
   virtual Result<std::string> xml(const PropertyList& list) const = 0;
 };
 

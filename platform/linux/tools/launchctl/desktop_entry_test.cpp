@@ -19,7 +19,7 @@ std::string unescapedValue(const std::string& value) {
   return text;
 }
 
-/// What a desktop starts for an Exec key, by the rules of the specification.
+/// What a desktop starts for an Exec key, by the rules for desktop entries.
 std::vector<std::string> startedBy(const std::string& exec) {
   const auto line = unescapedValue(exec);
   std::vector<std::string> arguments(1);
