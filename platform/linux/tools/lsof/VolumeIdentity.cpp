@@ -50,9 +50,17 @@ void addMount(VolumeIdentity& volume, const Mount& top, const std::vector<Mount>
   addOnce(volume.devices, status->device);
 }
 
+/// A number that belongs to no block device is given to the next file system, once its own is
+/// unmounted.
+bool isGivenAway(std::uint64_t device, const Ghost& ghost, const std::vector<Mount>& mounts) {
+  return ghost.unmounted && major(device) == 0 &&
+         std::any_of(mounts.begin(), mounts.end(),
+                     [&](const Mount& mount) { return superDevice(mount) == device; });
+}
+
 void addGhost(VolumeIdentity& volume, const Ghost& ghost, const std::vector<Mount>& mounts) {
   for (const auto device : {ghost.superDevice, ghost.statDevice}) {
-    if (device != 0) addOnce(volume.devices, device);
+    if (device != 0 && !isGivenAway(device, ghost, mounts)) addOnce(volume.devices, device);
   }
   // The kernel gives the identifier of a mount that is really gone to the next one, maybe in a
   // mount namespace that we do not see.

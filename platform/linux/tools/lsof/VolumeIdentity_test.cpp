@@ -140,6 +140,16 @@ TEST_F(VolumeIdentityTest, MountIdentifierOfAGhostThatWasUnmountedDoesNotCount) 
   EXPECT_EQ(identify("/Volumes/Gone"), (VolumeIdentity{{makedev(7, 9), makedev(0, 99)}, {}}));
 }
 
+TEST_F(VolumeIdentityTest, DeviceNumberOfAGhostThatWasGivenAwayDoesNotCount) {
+  auto next = mountAt(41, 20, 99, "/somewhere");
+  next.deviceMajor = 0;
+  mounts_.push_back(next);
+  ghosts_.push_back(ghostAt("/media/ann/Gone", 40));
+  EXPECT_EQ(identify("/Volumes/Gone"), (VolumeIdentity{{makedev(7, 9), makedev(0, 99)}, {40}}));
+  ghosts_.back().unmounted = true;
+  EXPECT_EQ(identify("/Volumes/Gone"), (VolumeIdentity{{makedev(7, 9)}, {}}));
+}
+
 TEST(CachedMountPointStatus, AgreesWithStat) {
   struct stat status = {};
   ASSERT_EQ(stat("/proc", &status), 0);
