@@ -23,6 +23,12 @@ bool look(int folder, const char* link, struct statx& status) {
   return statx(folder, link, AT_STATX_DONT_SYNC | AT_NO_AUTOMOUNT, kMask, &status) == 0;
 }
 
+/// Whether the system shows us what a process has open.
+bool canBeSeen(int process) {
+  char first;
+  return readlinkat(process, "exe", &first, 1) == 1;
+}
+
 std::uint64_t deviceOf(const struct statx& status) {
   return makedev(status.stx_dev_major, status.stx_dev_minor);
 }
@@ -95,17 +101,22 @@ void ProcessScan::scanProcess(const char* pid) {
   struct statx executable = {};
   int process = folder_;
   Descriptor thread;
-  if (!look(process, "exe", executable)) {
-    if (errno != ENOENT) return;
+  bool knowsExecutable = look(process, "exe", executable);
+  if (!knowsExecutable && errno == ENOENT) {
     thread = livingThread(process);
     if (!thread || !look(thread.get(), "exe", executable)) return;
     process = thread.get();
+    knowsExecutable = true;
   }
+  // Its file system may answer to nobody but its owner, or not at all; the process can be seen.
+  if (!knowsExecutable && !canBeSeen(process)) return;
   scanLink(process, "cwd", "cwd");
   scanLink(process, "root", "rtd");
-  for (auto* const volume : volumesOf(executable)) {
-    appendLink(*volume, process, "exe", "txt");
-    mapped_.emplace_back(deviceOf(executable), executable.stx_ino);
+  if (knowsExecutable) {
+    for (auto* const volume : volumesOf(executable)) {
+      appendLink(*volume, process, "exe", "txt");
+      mapped_.emplace_back(deviceOf(executable), executable.stx_ino);
+    }
   }
   scanMappings(process);
   scanDescriptors(process);
