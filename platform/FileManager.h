@@ -24,7 +24,8 @@ class FileManager {
 
   virtual Result<FileAttributes> attributes(const std::string& path) const = 0;
 
-  /// Whether an item exists at `path`; symbolic links are followed.
+  /// Whether an item exists at `path`; symbolic links are followed. What cannot be
+  /// looked at, as on a file server that is away for a moment, counts as there.
   virtual bool exists(const std::string& path) const = 0;
 
   /// The user's library folders, the first one being the one to use.

@@ -58,7 +58,10 @@ Result<FileAttributes> PosixFileManager::attributes(const std::string& path) con
 
 bool PosixFileManager::exists(const std::string& path) const {
   struct stat status;
-  return stat(path.c_str(), &status) == 0;
+  if (stat(path.c_str(), &status) == 0) return true;
+  // A file server that is away for a moment, or rights that changed, delete nothing.
+  const int error = errno;
+  return error != ENOENT && error != ENOTDIR && error != ELOOP && error != ENAMETOOLONG;
 }
 
 std::vector<std::string> PosixFileManager::userLibraryFolders() const {

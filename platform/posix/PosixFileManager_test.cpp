@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -75,6 +76,21 @@ TEST_F(PosixFileManagerTest, ExistenceFollowsLinks) {
   EXPECT_TRUE(files_.exists(path("link")));
   EXPECT_TRUE(files_.exists(path("")));
   EXPECT_FALSE(files_.exists(""));
+}
+
+TEST_F(PosixFileManagerTest, WhatNobodyMayLookForCountsAsThere) {
+  std::filesystem::create_directory(path("locked"));
+  ASSERT_EQ(chmod(path("locked").c_str(), 0), 0);
+  const pid_t nobody = fork();
+  if (nobody == 0) {
+    constexpr uid_t kNobody = 65534;
+    if (getuid() == 0 && setuid(kNobody) != 0) _exit(2);
+    _exit(files_.exists(path("locked/item")) ? 0 : 1);
+  }
+  int status = -1;
+  EXPECT_EQ(waitpid(nobody, &status, 0), nobody);
+  chmod(path("locked").c_str(), 0700);
+  EXPECT_EQ(status, 0);
 }
 
 TEST_F(PosixFileManagerTest, CreatesFoldersOnTheWayAndAcceptsExistingOnes) {
