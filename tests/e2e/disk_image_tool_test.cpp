@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <fstream>
+#include <set>
 
 #include "platform/posix/Descriptor.h"
 #include "tests/e2e/DiskImageToolTest.h"
@@ -16,6 +17,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using testing::DiskImages;
+using ::testing::ElementsAre;
 using testing::eventually;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -143,6 +145,27 @@ TEST_F(DiskImageTool, TwoVolumesOfOneLabelGetTwoPlaces) {
   detach("/Volumes/Quill");
   expectGone(first);
   EXPECT_EQ(listed(second), std::vector<std::string>{"/Volumes/Quill1"});
+}
+
+TEST_F(DiskImageTool, VolumesOfOneLabelThatComeAtOnceGetAPlaceEach) {
+  std::vector<std::string> images;
+  std::vector<std::unique_ptr<testing::Program>> programs;
+  for (int i = 0; i < 4; ++i) {
+    images.push_back(images_.makeExt4(std::to_string(i) + ".img", "Quill Crowd"));
+  }
+  for (const auto& image : images) {
+    programs.push_back(std::make_unique<testing::Program>(
+        std::vector<std::string>{DiskImages::toolPath(), "attach", image}, images_.environment()));
+  }
+  for (const auto& program : programs) EXPECT_EQ(program->waitForExit(20s), 0) << program->output();
+  std::set<std::string> places;
+  for (const auto& image : images) {
+    for (const auto& place : listed(image).value_or(std::vector<std::string>{})) {
+      places.insert(place);
+    }
+  }
+  EXPECT_THAT(places, ElementsAre("/Volumes/Quill Crowd", "/Volumes/Quill Crowd1",
+                                  "/Volumes/Quill Crowd2", "/Volumes/Quill Crowd3"));
 }
 
 TEST_F(DiskImageTool, AttachingTwiceMakesOneDevice) {

@@ -38,14 +38,28 @@ Result<AttachmentTurn> AttachmentTurn::take(const ImageFile& image,
                                             std::chrono::milliseconds limit) {
   // Of the file itself: its path may lead to another one by now.
   const std::string itself = "/proc/self/fd/" + std::to_string(image.file.get());
-  Descriptor file(::open(itself.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  // A server of files gives locks only to those who may write.
+  const int access = image.readOnly ? O_RDONLY : O_RDWR;
+  Descriptor file(::open(itself.c_str(), access | O_CLOEXEC | O_NONBLOCK));
   if (!file) return systemError("cannot lock " + image.path, errno);
+  return take(std::move(file), limit, "another attach of this image is under way");
+}
+
+Result<AttachmentTurn> AttachmentTurn::take(const std::string& folder,
+                                            std::chrono::milliseconds limit) {
+  Descriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  if (!opened) return systemError("cannot lock " + folder, errno);
+  return take(std::move(opened), limit, "another volume is being mounted");
+}
+
+Result<AttachmentTurn> AttachmentTurn::take(Descriptor file, std::chrono::milliseconds limit,
+                                            const char* tooLate) {
   const auto end = std::chrono::steady_clock::now() + limit;
   while (flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
     if (errno == EINTR) continue;
     if (errno != EWOULDBLOCK) break;
     if (std::chrono::steady_clock::now() > end) {
-      return Error{"another attach of this image is under way"};
+      return Error{tooLate};
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(25));
   }

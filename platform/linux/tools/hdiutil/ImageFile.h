@@ -23,8 +23,9 @@ struct ImageFile {
   static Result<ImageFile> open(const std::string& path);
 };
 
-/// Keeps other attachments of the same image away as long as it lives, so that no two loop devices
-/// ever carry one file: they would write over each other.
+/// Keeps other attachments away as long as it lives. Those of the same image, so that no two loop
+/// devices ever carry one file: they would write over each other. Those into the same folder, so
+/// that no two volumes are mounted at one place: one would hide the other.
 class AttachmentTurn {
  public:
   /// Longer than the disk service may take to mount a volume.
@@ -35,8 +36,14 @@ class AttachmentTurn {
   static Result<AttachmentTurn> take(const ImageFile& image,
                                      std::chrono::milliseconds limit = kLongestWait);
 
+  /// The same for whoever mounts a volume in `folder`.
+  static Result<AttachmentTurn> take(const std::string& folder,
+                                     std::chrono::milliseconds limit = kLongestWait);
+
  private:
   explicit AttachmentTurn(Descriptor file) : file_(std::move(file)) {}
+  static Result<AttachmentTurn> take(Descriptor file, std::chrono::milliseconds limit,
+                                     const char* tooLate);
 
   // Not the image's own descriptor: that one lives on in the loop device, and its lock with it.
   Descriptor file_;

@@ -42,15 +42,16 @@ void renewTimeStamp(const std::string& node) {
   utimensat(AT_FDCWD, node.c_str(), nullptr, AT_SYMLINK_NOFOLLOW);
 }
 
+/// Within its turn: the folder of a volume that is about to be mounted looks like one that is free.
 Result<std::string> folderFor(const ImageVolume& volume, const std::string& place,
-                              const std::vector<std::string>& taken) {
-  auto media = userMediaFolder();
-  if (!media) return media;
+                              const std::string& media, std::vector<std::string> taken) {
+  const auto mounts = readMountTable();
+  if (!mounts) return Error{mounts.errorText()};
+  for (const auto& mount : *mounts) taken.push_back(mount.mountPoint);
   const std::filesystem::path wanted = place;
-  if (!place.empty() && wanted.parent_path() == *media) {
-    return makeVolumeFolder(*media, wanted.filename(), taken);
-  }
-  return makeVolumeFolder(*media, volumeFolderName(volume), taken);
+  const bool canBeHad = !place.empty() && wanted.parent_path() == media;
+  return makeVolumeFolder(media, canBeHad ? wanted.filename().string() : volumeFolderName(volume),
+                          taken);
 }
 
 }  // namespace
@@ -87,7 +88,11 @@ Result<std::string> KernelImages::mount(const std::string& loopName, const Image
   }
   int readOnly = 0;
   ioctl(loop.get(), BLKROGET, &readOnly);
-  auto folder = folderFor(volume, place, taken);
+  auto media = userMediaFolder();
+  if (!media) return media;
+  const auto turn = AttachmentTurn::take(*media);
+  if (!turn) return Error{turn.errorText()};
+  auto folder = folderFor(volume, place, *media, taken);
   if (!folder) return folder;
   const std::string node = "/dev/" + deviceName(loopName, volume.partition);
   if (auto mounted = mountDevice(node, volume.type, readOnly != 0, *folder); !mounted) {
