@@ -4,6 +4,7 @@
 #include <iterator>
 #include <utility>
 
+#include "platform/linux/ghost_places.h"
 #include "platform/linux/user_folders.h"
 #include "platform/linux/volume_paths.h"
 
@@ -55,6 +56,7 @@ ImageTable::ImageTable(const std::vector<LoopDevice>& loops,
       volumes_(std::move(volumes)),
       ghosts_(std::move(ghosts)),
       user_(std::move(user)) {
+  nameGhostsApart(ghosts_, mounts_, volumes_);
   for (const auto& mount : mounts_) mountPoints_.push_back(mount.mountPoint);
   for (const auto& ghost : ghosts_) mountPoints_.push_back(ghost.mountPoint);
   for (const auto& loop : loops) images_.push_back(describe(loop, partitions));
@@ -114,6 +116,12 @@ std::vector<Ghost> ImageTable::ghostsOf(const std::string& loopName) const {
   std::copy_if(ghosts_.begin(), ghosts_.end(), std::back_inserter(found),
                [&](const auto& ghost) { return ghost.loopName == loopName; });
   return found;
+}
+
+bool ImageTable::coversAnother(const Mount& mount) const {
+  return std::any_of(mounts_.begin(), mounts_.end(), [&mount](const Mount& other) {
+    return other.id == mount.parentId && other.mountPoint == mount.mountPoint;
+  });
 }
 
 std::string ImageTable::mountInside(const std::vector<VolumeMount>& volumes) const {

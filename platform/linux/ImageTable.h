@@ -20,7 +20,7 @@ struct ImageEntity {
 
 /// An attached image: the whole device first, then its partitions and mappings. A device that is
 /// mounted at several places comes once for each. Volumes that were detached lazily and still have
-/// holders count as mounted.
+/// holders count as mounted, at a place of their own where the old one is another's by now.
 struct AttachedImage {
   LoopDevice loop;
   std::vector<ImageEntity> entities;
@@ -39,14 +39,17 @@ class ImageTable {
   /// In the order of the loop numbers.
   const std::vector<AttachedImage>& images() const { return images_; }
 
-  /// The attached image whose volume has this presented or real mount point, or this device node;
-  /// mounted volumes come before those that only live on. Null if there is none.
+  /// The attached image whose volume has this presented or real mount point, or this device node.
+  /// Null if there is none.
   const AttachedImage* find(const std::string& place) const;
 
   /// Every mount of `loopName`, bind mounts of parts of it among them, the latest first.
   std::vector<VolumeMount> mountsOf(const std::string& loopName) const;
 
   std::vector<Ghost> ghostsOf(const std::string& loopName) const;
+
+  /// Whether something else is mounted at the same place, below `mount`.
+  bool coversAnother(const Mount& mount) const;
 
   /// Where something is mounted that stands on one of `volumes` without being one; empty if
   /// nothing is.

@@ -115,11 +115,25 @@ TEST_F(ImageTables, FindTheVolumeOnTop) {
   EXPECT_EQ(table().find("/Volumes/x")->loop.name, "loop12");
 }
 
-TEST_F(ImageTables, FindAMountedVolumeBeforeAGhostOfItsName) {
+TEST_F(ImageTables, TellAGhostFromTheVolumeThatHasItsPlaceNow) {
   ghost("loop0", "/dev/loop0p1", "/media/ann/x");
   EXPECT_EQ(table().find("/Volumes/x")->loop.name, "loop0");
   mounted("loop12", mountOf(10, "/dev/loop12", "/media/ann/x"));
-  EXPECT_EQ(table().find("/Volumes/x")->loop.name, "loop12");
+  const auto both = table();
+  EXPECT_EQ(both.find("/Volumes/x")->loop.name, "loop12");
+  ASSERT_TRUE(both.find("/Volumes/x (loop0)"));
+  EXPECT_EQ(both.find("/Volumes/x (loop0)")->loop.name, "loop0");
+  EXPECT_EQ(entities(0).at(1), (ImageEntity{"/dev/loop0p1", "/media/ann/x (loop0)"}));
+}
+
+TEST_F(ImageTables, TellWhatIsMountedOverSomethingElse) {
+  auto above = mountOf(11, "/dev/loop0p1", "/media/ann/x");
+  above.parentId = 10;
+  auto beside = mountOf(12, "/dev/loop0p1", "/media/ann/y");
+  beside.parentId = 10;
+  mounted("loop12", mountOf(10, "/dev/loop12", "/media/ann/x"));
+  EXPECT_TRUE(table().coversAnother(above));
+  EXPECT_FALSE(table().coversAnother(beside));
 }
 
 TEST_F(ImageTables, GiveTheMountsOfAnImageTheLatestFirst) {

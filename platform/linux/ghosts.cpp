@@ -44,6 +44,7 @@ std::string encoded(const Ghost& ghost, const std::string& boot) {
   };
   add("boot", boot);
   add("unmounted", ghost.unmounted ? "1" : "0");
+  add("covered", ghost.covered ? "1" : "0");
   add("loop", ghost.loopName);
   add("sequence", std::to_string(ghost.loopSequence));
   add("image", ghost.imagePath);
@@ -95,14 +96,16 @@ struct Judged {
 
 bool decode(const Entries& entries, Ghost& ghost) {
   std::uint64_t unmounted = 0;
+  std::uint64_t covered = 0;
   const bool whole =
-      take(entries, "unmounted", unmounted) && take(entries, "loop", ghost.loopName) &&
-      take(entries, "sequence", ghost.loopSequence) && take(entries, "image", ghost.imagePath) &&
-      take(entries, "device", ghost.deviceNode) && take(entries, "mount-point", ghost.mountPoint) &&
-      take(entries, "mount-id", ghost.mountId) &&
+      take(entries, "unmounted", unmounted) && take(entries, "covered", covered) &&
+      take(entries, "loop", ghost.loopName) && take(entries, "sequence", ghost.loopSequence) &&
+      take(entries, "image", ghost.imagePath) && take(entries, "device", ghost.deviceNode) &&
+      take(entries, "mount-point", ghost.mountPoint) && take(entries, "mount-id", ghost.mountId) &&
       take(entries, "super-device", ghost.superDevice) &&
       take(entries, "stat-device", ghost.statDevice);
   ghost.unmounted = unmounted != 0;
+  ghost.covered = covered != 0;
   return whole;
 }
 

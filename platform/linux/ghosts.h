@@ -31,6 +31,7 @@ struct Ghost {
   std::uint64_t superDevice = 0;  ///< makedev() of the superblock, as the mount table told it
   std::uint64_t statDevice = 0;   ///< makedev() that stat() answers for files of the volume's root
   bool unmounted = false;         ///< cleanly: its mountId may be another mount's by now
+  bool covered = false;           ///< something else was mounted at mountPoint, below it
   bool operator==(const Ghost&) const = default;
 };
 

@@ -134,6 +134,30 @@ TEST_F(DiskImageDetach, TheNameOfAVolumeThatLivesOnIsNotGivenAway) {
   EXPECT_EQ(listed(second), std::vector<std::string>{"/Volumes/Quill1"});
 }
 
+TEST_F(DiskImageDetach, AVolumeThatLivesOnIsToldFromAnotherOneThatIsAtItsPlaceNow) {
+  const auto first = images_.makeExt4("a.img", "Quill");
+  const auto second = images_.makeExt4("b.img", "Second");
+  attach(first);
+  attach(second);
+  const Descriptor held(open(DiskImages::realPlace("Quill").c_str(), O_RDONLY | O_CLOEXEC));
+  detach("/Volumes/Quill");
+  const auto place = DiskImages::realPlace("Quill");
+  std::filesystem::create_directory(place);
+  const auto device = "/dev/" + DiskImages::loopsOf(second).at(0);
+  ASSERT_EQ(mount(device.c_str(), place.c_str(), "ext4", 0, nullptr), 0);
+  ASSERT_EQ(umount2(DiskImages::realPlace("Second").c_str(), 0), 0);
+  std::filesystem::remove(DiskImages::realPlace("Second"));
+  const auto apart = "/Volumes/Quill (" + DiskImages::loopsOf(first).at(0) + ")";
+  EXPECT_EQ(listed(first), std::vector<std::string>{apart});
+  EXPECT_EQ(listed(second), std::vector<std::string>{"/Volumes/Quill"});
+  detach(apart);
+  EXPECT_EQ(listed(first), std::vector<std::string>{apart});
+  EXPECT_EQ(listed(second), std::vector<std::string>{"/Volumes/Quill"});
+  detach("/Volumes/Quill");
+  expectGone(second);
+  EXPECT_EQ(listed(first), std::vector<std::string>{"/Volumes/Quill"});
+}
+
 TEST_F(DiskImageDetach, AnImageWithSomethingElseMountedInsideIsLeftWhole) {
   const auto outer = images_.makeExt4("a.img", "Quill Outer");
   attach(outer);

@@ -43,6 +43,9 @@ class ImageControl {
                                     const std::string& place,
                                     const std::vector<std::string>& taken) = 0;
 
+  /// Whether that very attachment still stands.
+  virtual bool isAttached(const LoopDevice& loop) const;
+
   virtual UnmountOutcome unmount(const VolumeMount& volume, Unmounting manner) = 0;
 
   /// From now on the last unmount releases the loop device.

@@ -39,7 +39,7 @@ bool isStillMounted(const Mount& mount) {
   });
 }
 
-Ghost ghostOf(const VolumeMount& volume, const LoopDevice& loop,
+Ghost ghostOf(const VolumeMount& volume, const LoopDevice& loop, const ImageTable& table,
               const std::optional<struct statx>& root) {
   Ghost ghost;
   ghost.loopName = loop.name;
@@ -47,6 +47,7 @@ Ghost ghostOf(const VolumeMount& volume, const LoopDevice& loop,
   ghost.imagePath = loop.backingFile;
   ghost.deviceNode = volume.deviceNode;
   ghost.mountPoint = volume.mount.mountPoint;
+  ghost.covered = table.coversAnother(volume.mount);
   ghost.mountId = static_cast<std::uint64_t>(volume.mount.id);
   ghost.superDevice = makedev(volume.mount.deviceMajor, volume.mount.deviceMinor);
   if (root) ghost.statDevice = makedev(root->stx_dev_major, root->stx_dev_minor);
@@ -62,9 +63,12 @@ void writeOut(const std::string& mountPoint) {
 /// One image on its way out.
 class Detachment {
  public:
-  /// `lingers` tells that the image will stay attached in any case.
-  Detachment(const LoopDevice& loop, bool lingers, bool force, ImageControl& control)
-      : loop_(loop), lingers_(lingers), force_(force), control_(control) {}
+  Detachment(const ImageTable& table, const LoopDevice& loop, bool force, ImageControl& control)
+      : table_(table),
+        loop_(loop),
+        lingers_(!table.ghostsOf(loop.name).empty()),
+        force_(force),
+        control_(control) {}
 
   Result<void> run(const std::vector<VolumeMount>& volumes);
 
@@ -75,8 +79,9 @@ class Detachment {
   void noteUnmounted(const VolumeMount& volume, Ghost ghost);
   Result<void> rememberUnmounted() const;
 
+  const ImageTable& table_;
   const LoopDevice& loop_;
-  bool lingers_;
+  bool lingers_;  ///< the image stays attached in any case
   const bool force_;
   ImageControl& control_;
   std::vector<Ghost> unmounted_;  ///< volumes that went cleanly
@@ -102,7 +107,7 @@ Result<void> Detachment::unmountAll(const std::vector<VolumeMount>& volumes) {
 
 Result<void> Detachment::unmount(const VolumeMount& volume) {
   const auto root = rootOf(volume.mount);
-  const Ghost ghost = ghostOf(volume, loop_, root);
+  const Ghost ghost = ghostOf(volume, loop_, table_, root);
   if (!root) {
     if (isStillMounted(volume.mount)) {
       return Error{"another volume is mounted over " + volume.mount.mountPoint};
@@ -123,6 +128,12 @@ Result<void> Detachment::unmountLazily(const VolumeMount& volume, const Ghost& g
   writeOut(volume.mount.mountPoint);
   if (const auto remembered = rememberGhost(ghost); !remembered) {
     return Error{"in use, and no record of that can be kept: " + remembered.errorText()};
+  }
+  // Writing out takes as long as the disk does: by now the same place, device and numbers may be
+  // those of another image.
+  if (!control_.isAttached(loop_) || !rootOf(volume.mount)) {
+    forgetGhost(ghost);
+    return Error{"something else came to " + volume.mount.mountPoint + " meanwhile"};
   }
   const auto outcome = control_.unmount(volume, Unmounting::lazily);
   if (!outcome.done && isStillMounted(volume.mount)) {
@@ -170,8 +181,7 @@ Result<void> detachImage(const ImageTable& table, const std::string& place, bool
   if (const auto inside = table.imageInside(volumes); !inside.empty()) {
     return Error{errorText(EBUSY) + ": it holds another attached image, " + inside};
   }
-  const bool lingers = !table.ghostsOf(image->loop.name).empty();
-  return Detachment(image->loop, lingers, force, control).run(volumes);
+  return Detachment(table, image->loop, force, control).run(volumes);
 }
 
 }  // namespace quillmont

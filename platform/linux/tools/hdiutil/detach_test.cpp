@@ -26,13 +26,17 @@ class FailingControl : public ImageControl {
   }
   void releaseWithLastUnmount(const std::string&) override {}
   void release(const LoopDevice&) override { released = true; }
+  bool isAttached(const LoopDevice&) const override { return attached; }
 
   UnmountOutcome unmount(const VolumeMount& volume, Unmounting manner) override {
     if (manner == Unmounting::whenUnused) return {false, true, "in use"};
+    unmountedLazily = true;
     if (unmounts_) umount2(volume.mount.mountPoint.c_str(), MNT_DETACH);
     return {false, false, "no answer"};
   }
 
+  bool attached = true;  ///< as it was when it was looked at
+  bool unmountedLazily = false;
   bool released = false;
 
  private:
@@ -86,6 +90,17 @@ TEST_F(Detaching, AVolumeThatIsStillMountedHasNoRecord) {
               FailingControl control(false);
               EXPECT_FALSE(detaches(control));
               EXPECT_FALSE(control.released);
+              EXPECT_FALSE(isRecorded());
+            }),
+            0);
+}
+
+TEST_F(Detaching, AnotherImageThatCameWhileTheFirstWasWrittenOutStays) {
+  EXPECT_EQ(testing::forked([this] {
+              FailingControl control(true);
+              control.attached = false;
+              EXPECT_FALSE(detaches(control));
+              EXPECT_FALSE(control.unmountedLazily);
               EXPECT_FALSE(isRecorded());
             }),
             0);

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/linux/ghost_places.h"
 #include "platform/linux/ghosts.h"
 #include "platform/linux/image_devices.h"
 #include "platform/linux/mount_table.h"
@@ -75,6 +76,7 @@ int listOpenFiles(const std::string& path) {
   }
   VolumeSurroundings system = {parseMountTable(*table), {}, livingGhosts()};
   system.volumes = imageMounts(system.mounts);
+  nameGhostsApart(system.ghosts, system.mounts, system.volumes);
   const auto user = userName();
   const auto mountPoint = mountPointOfVolume(path, user, system);
   if (mountPoint.empty()) return fail(1, "lsof: no volume is mounted at " + path);
