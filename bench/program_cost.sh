@@ -14,7 +14,6 @@ hdiutil=$build/Quillmont/Contents/libexec/hdiutil
 control=$build/bench/quillmont_tray_control
 running=()
 attached=()
-mounted=()
 work=$(mktemp -d /tmp/quillmont-cost.XXXXXX)
 trap 'exit 130' INT TERM
 trap clean_up EXIT
@@ -28,7 +27,7 @@ clean_up() {
   rm -rf "$work"
 }
 
-# Their mount points go into "attached", as the program presents them, and into "mounted", as the system has them.
+# Their mount points, as the system has them, go into "attached".
 attach_images() {
   local number image
   for ((number = 1; number <= images; ++number)); do
@@ -36,8 +35,7 @@ attach_images() {
     truncate -s 4M "$image"
     /sbin/mkfs.ext4 -q -L "bench$number" "$image"
     "$hdiutil" attach "$image" >"$work/answer" 2>&1 || return 0
-    attached+=("$(grep -o '/Volumes/.*' "$work/answer")")
-    mounted+=("$(findmnt -rn -o TARGET --source "$(awk 'END { print $1 }' "$work/answer")")")
+    attached+=("$(findmnt -rn -o TARGET --source "$(awk 'END { print $1 }' "$work/answer")")")
   done
 }
 
@@ -125,7 +123,7 @@ resting_cost() {
 ask_system_tool() {
   local place before
   before=$(ended $$)
-  for place in "${mounted[@]}"; do
+  for place in "${attached[@]}"; do
     # Its status is 1 also where nobody uses the volume.
     lsof -w -F cpn "$place" >/dev/null 2>"$work/errors" || [ ! -s "$work/errors" ] || {
       echo "program_cost: $(<"$work/errors")" >&2
@@ -177,7 +175,6 @@ resting_cost "$pid"
 row "own CPU a minute, panel hidden, ${#attached[@]} images : the same, a 1 Hz timer" \
   "$own_minute" "$minute_of_control" ms ratio 2
 row "the same : the same, and as many bare starts of a program" "$own_minute" "$minute_of_starts" ms ratio 2
-hidden_minute=$own_minute
 if [ ${#attached[@]} = $images ] && type -P lsof >/dev/null; then
   row_of_all 90
   gather_processes 1100
@@ -188,5 +185,6 @@ else
 fi
 open_panel "$pid"
 sleep 2
+hidden_minute=$own_minute
 resting_cost "$pid"
 row "own CPU a minute, panel shown : hidden" "$own_minute" "$hidden_minute" ms ratio 100

@@ -58,8 +58,8 @@ class ImageTable {
   /// The file of another attached image that lies on one of `volumes`; empty if there is none.
   std::string imageInside(const std::vector<VolumeMount>& volumes) const;
 
-  /// Every place that is in use, the ghosts' own among them.
-  const std::vector<std::string>& mountPoints() const { return mountPoints_; }
+  /// Those of all images.
+  const std::vector<Ghost>& ghosts() const { return ghosts_; }
 
   std::string presented(const std::string& mountPoint) const;
 

@@ -14,11 +14,12 @@ constexpr long kMoreDescriptors = 2;
 // A sanitizer keeps freed memory for a while.
 constexpr long kMoreKibibytes = kSlowness == 1 ? 8 * 1024 : 256 * 1024;
 
-/// A number of /proc/PID/status; 0 once the process is gone.
-long statusOf(const std::string& process, const std::string& name) {
+/// In KiB; 0 once the process is gone.
+long residentMemory(const std::string& process) {
+  const std::string name = "VmRSS:";
   std::ifstream status(process + "/status");
   for (std::string line; std::getline(status, line);) {
-    if (line.starts_with(name + ":")) return std::stol(line.substr(name.size() + 1));
+    if (line.starts_with(name)) return std::stol(line.substr(name.size()));
   }
   return 0;
 }
@@ -41,7 +42,7 @@ long threadsOf(const std::string& process) {
 
 void Vitals::sample() {
   const auto process = "/proc/" + std::to_string(pid_);
-  const Sample now = {openDescriptors(pid_), threadsOf(process), statusOf(process, "VmRSS")};
+  const Sample now = {openDescriptors(pid_), threadsOf(process), residentMemory(process)};
   if (now.kibibytes > 0) samples_.push_back(now);
   lookForZombies();
 }

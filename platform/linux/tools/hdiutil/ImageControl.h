@@ -38,7 +38,8 @@ class ImageControl {
   virtual Result<std::string> setUp(const ImageFile& image) = 0;
 
   /// Mounts `volume` of the image on `loopName` and returns where: at `place` if that is not empty
-  /// and can be had, else in the user's media folder and not at any of `taken`.
+  /// and can be had, else in the user's media folder; where nothing is mounted, and not at any of
+  /// `taken`.
   virtual Result<std::string> mount(const std::string& loopName, const ImageVolume& volume,
                                     const std::string& place,
                                     const std::vector<std::string>& taken) = 0;

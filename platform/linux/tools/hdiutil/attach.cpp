@@ -11,16 +11,14 @@ std::string placeOf(const std::vector<Ghost>& ghosts, const std::string& node) {
   return ghost == ghosts.end() ? std::string() : ghost->mountPoint;
 }
 
-/// `taken` without what the ghosts themselves take of `place`. Another volume that was mounted
-/// there meanwhile keeps it.
-std::vector<std::string> takenBut(std::vector<std::string> taken, const std::vector<Ghost>& ghosts,
-                                  const std::string& place) {
-  for (const auto& ghost : ghosts) {
-    if (ghost.mountPoint != place) continue;
-    const auto own = std::find(taken.begin(), taken.end(), place);
-    if (own != taken.end()) taken.erase(own);
+/// What the mount table does not tell to be taken: the places of all ghosts, but for the one that
+/// is given back.
+std::vector<std::string> ghostPlacesBut(const std::string& place, const ImageTable& table) {
+  std::vector<std::string> places;
+  for (const auto& ghost : table.ghosts()) {
+    if (ghost.mountPoint != place) places.push_back(ghost.mountPoint);
   }
-  return taken;
+  return places;
 }
 
 /// The volumes of `loopName` onto their places. A ghost keeps its record: who holds its old mount
@@ -30,17 +28,15 @@ Result<Attachment> mountVolumes(const std::string& loopName, const ImageFile& im
   const auto volumes = probeImage(image.file.get());
   if (!volumes) return Error{volumes.errorText()};
   const auto ghosts = table.ghostsOf(loopName);
-  auto taken = table.mountPoints();
   Attachment attachment;
   for (const auto& volume : *volumes) {
     const std::string node = "/dev/" + deviceName(loopName, volume.partition);
     const std::string before = placeOf(ghosts, node);
-    const auto place = control.mount(loopName, volume, before, takenBut(taken, ghosts, before));
+    const auto place = control.mount(loopName, volume, before, ghostPlacesBut(before, table));
     if (!place) {
       attachment.warnings.push_back(place.errorText());
       continue;
     }
-    taken.push_back(*place);
     attachment.mounted.push_back({node, *place});
   }
   if (attachment.mounted.empty()) return Error{attachment.warnings.front()};
