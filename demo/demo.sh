@@ -109,7 +109,8 @@ BUS
 # the disk-image tool stands a guard that lets nothing but the demo's image be detached.
 guarded_program() {
   cp -a "$build/Quillmont" "$bundle"
-  mv "$bundle/Contents/libexec/hdiutil" "$hdiutil"
+  rm "$bundle/Contents/libexec/hdiutil"
+  ln -s "$build/Quillmont/Contents/libexec/hdiutil" "$hdiutil"
   cat >"$bundle/Contents/libexec/hdiutil" <<'GUARD'
 #!/usr/bin/env bash
 work=$(dirname "$(realpath "$0")")/../../..
@@ -143,7 +144,7 @@ attach_image() {
   if ! answer=$("$hdiutil" attach "$image" 2>&1); then
     say "This machine cannot attach disk images (${answer//$'\n'/ }): a simulated disk-image tool stands in."
     export QUILLMONT_SIMULATED_IMAGES=$work/simulated
-    cp "$here/simulated/hdiutil" "$hdiutil"
+    ln -sf "$here/simulated/hdiutil" "$hdiutil"
     cp "$here/simulated/lsof" "$bundle/Contents/libexec/lsof"
     answer=$("$hdiutil" attach "$image")
   fi

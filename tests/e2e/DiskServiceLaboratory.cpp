@@ -75,8 +75,7 @@ DiskServiceLaboratory::DiskServiceLaboratory() {
   std::filesystem::create_directory(folder_.path() + "/rules");
   chmod((folder_.path() + "/rules").c_str(), 0755);
   std::ofstream(folder_.path() + "/rules/10-test.rules") << kRule;
-  std::filesystem::copy_file(DiskImages::toolPath(), tool());
-  chmod(tool().c_str(), 0755);
+  DiskImages::copyToolTo(folder_.path());
   first_ = std::make_unique<Program>(std::vector<std::string>{
       "unshare", "--mount", "--propagation", "slave", "--pid", "--fork", "--kill-child",
       "--mount-proc", "sh", "-c", kLaboratory, "sh", folder_.path()});

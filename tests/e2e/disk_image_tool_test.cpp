@@ -310,5 +310,19 @@ TEST(DiskImageToolArguments, WrongOnesGetTheUsage) {
   }
 }
 
+TEST(DiskImageToolArguments, NeedTheOtherHalfOfTheToolForAChangeAlone) {
+  const testing::TemporaryFolder folder;
+  const auto tool = DiskImages::copyToolTo(folder.path());
+  std::filesystem::remove(tool + "-control");
+  const testing::Environment environment = {{"XDG_RUNTIME_DIR", folder.path()}};
+  EXPECT_EQ(testing::run({tool, "info"}, environment).status, 0);
+  for (const std::string verb : {"attach", "detach"}) {
+    const auto outcome = testing::run({tool, verb, "/none"}, environment);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.standardError, "hdiutil: " + verb + " failed - cannot start " + tool +
+                                         "-control: No such file or directory\n");
+  }
+}
+
 }  // namespace
 }  // namespace quillmont

@@ -195,9 +195,7 @@ TEST(DiskServiceMissing, WithoutASystemBusAttachingAndDetachingFailWithAReason) 
   if (geteuid() != 0) GTEST_SKIP() << "becoming an ordinary user takes the superuser";
   const testing::TemporaryFolder folder;
   chmod(folder.path().c_str(), 0755);
-  const std::string tool = folder.path() + "/hdiutil";
-  std::filesystem::copy_file(DiskImages::toolPath(), tool);
-  chmod(tool.c_str(), 0755);
+  const auto tool = DiskImages::copyToolTo(folder.path());
   for (const char* verb : {"attach", "detach"}) {
     Program program({tool, verb, "/none"},
                     {{"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + folder.path() + "/none"}},

@@ -102,9 +102,9 @@ TEST_F(UninstallRunning, EjectionInProgressIsFinished) {
   const auto image = images.makeExt4("Last.img", "Last");
   ASSERT_EQ(images.attach(image).status, 0);
   const auto tool = bundle + "/Contents/libexec/hdiutil";
-  fs::rename(tool, root + "/hdiutil");
+  fs::remove(tool);
   put(tool, "#!/bin/bash\n[ \"$1\" != detach ] || { [ \"$2\" = /Volumes/Last ] || exit 1; touch '" +
-                root + "/detaching'; sleep 1; }\nexec '" + root + "/hdiutil' \"$@\"\n");
+                root + "/detaching'; sleep 1; }\nexec '" + DiskImages::toolPath() + "' \"$@\"\n");
   chmod(tool.c_str(), 0755);
   put(settingsFolder + "/" + kSettings,
       "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>"

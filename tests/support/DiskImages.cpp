@@ -90,6 +90,15 @@ std::string DiskImages::toolPath() {
   return QUILLMONT_BUNDLE "/Contents/libexec/hdiutil";
 }
 
+std::string DiskImages::copyToolTo(const std::string& folder) {
+  const auto copy = folder + "/hdiutil";
+  for (const char* half : {"", "-control"}) {
+    std::filesystem::copy_file(toolPath() + half, copy + half);
+    chmod((copy + half).c_str(), 0755);
+  }
+  return copy;
+}
+
 std::string DiskImages::realPlace(const std::string& name) {
   return "/media/" + userName() + "/" + name;
 }

@@ -40,6 +40,8 @@ class DiskImages {
   Outcome detach(const std::string& place) const { return tool({"detach", place, "-force"}); }
 
   static std::string toolPath();
+  /// A copy of the tool in `folder`, for users who cannot look into the build.
+  static std::string copyToolTo(const std::string& folder);
   const std::string& path() const { return folder_.path(); }
   const Environment& environment() const { return environment_; }
 

@@ -77,9 +77,8 @@ void Session::writeAgent(const PropertyList& agent) const {
 }
 
 void Session::replaceTool(const std::string& name, const std::string& script) const {
-  const auto original = folder() + "/original-" + name;
+  const auto original = QUILLMONT_BUNDLE "/Contents/libexec/" + name;
   const auto state = folder() + "/state-" + name;
-  if (!fs::exists(original)) fs::copy_file(tool(name), original);
   fs::create_directories(state);
   fs::remove(tool(name));
   writeText(tool(name),

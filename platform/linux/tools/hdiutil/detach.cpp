@@ -110,7 +110,8 @@ Result<void> Detachment::unmount(const VolumeMount& volume) {
   const Ghost ghost = ghostOf(volume, loop_, table_, root);
   if (!root) {
     if (isStillMounted(volume.mount)) {
-      return Error{"another volume is mounted over " + volume.mount.mountPoint};
+      return Error{"it cannot be reached, or another volume is mounted over it: " +
+                   volume.mount.mountPoint};
     }
     noteUnmounted(volume, ghost);  // went together with another bind mount
     return {};

@@ -3,86 +3,56 @@
 
 #include <unistd.h>
 
-#include <cstdio>
+#include <cerrno>
+#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "platform/linux/XmlPropertyLists.h"
-#include "platform/linux/tools/hdiutil/attach.h"
-#include "platform/linux/tools/hdiutil/detach.h"
 #include "platform/linux/tools/hdiutil/info.h"
-#include "platform/linux/volume_paths.h"
+#include "platform/linux/tools/hdiutil/report.h"
+#include "platform/posix/errors.h"
 #include "platform/posix/files.h"
 
 namespace quillmont {
 namespace {
 
-constexpr int kFailure = 1;
-constexpr int kWrongArguments = 2;
-
-void say(int fd, const std::string& text) {
-  // Whoever reads may have gone; there is nobody left to tell.
-  static_cast<void>(static_cast<bool>(writeAll(fd, text)));
-}
-
-int fail(const char* verb, const std::string& reason) {
-  say(STDERR_FILENO, std::string("hdiutil: ") + verb + " failed - " + reason + "\n");
-  return kFailure;
-}
-
 int info(bool asPropertyList) {
   const auto table = ImageTable::read();
-  if (!table) return fail("info", table.errorText());
+  if (!table) return reportFailure("info", table.errorText());
   if (!asPropertyList) {
     say(STDOUT_FILENO, infoText(*table));
     return 0;
   }
   const auto xml = XmlPropertyLists().xml(infoList(*table));
-  if (!xml) return fail("info", xml.errorText());
+  if (!xml) return reportFailure("info", xml.errorText());
   return writeAll(STDOUT_FILENO, *xml) ? 0 : kFailure;
 }
 
-int attach(const std::string& image) {
-  const auto control = imageControl();
-  if (!control) return fail("attach", control.errorText());
-  const auto attachment = attachImage(image, **control);
-  if (!attachment) return fail("attach", attachment.errorText());
-  const auto table = ImageTable::read();
-  for (const auto& volume : attachment->mounted) {
-    const auto place = table ? table->presented(volume.mountPoint) : presentable(volume.mountPoint);
-    say(STDOUT_FILENO, presentable(volume.deviceNode) + "\t" + place + "\n");
-  }
-  for (const auto& warning : attachment->warnings) {
-    say(STDERR_FILENO, "hdiutil: attach: " + warning + "\n");
-  }
-  return 0;
+/// Attaching and detaching are a program of their own, beside this one: loading the libraries that
+/// they need would take half the time of a list, and the list is asked for in every cycle.
+int handOver(const std::string& verb, char** commandLine) {
+  std::error_code failure;
+  const auto self = std::filesystem::read_symlink("/proc/self/exe", failure);
+  if (failure) return reportFailure(verb, "cannot find this program: " + failure.message());
+  const auto control = self.parent_path() / "hdiutil-control";
+  execv(control.c_str(), commandLine);
+  return reportFailure(verb, systemError("cannot start " + control.string(), errno).text);
 }
 
-int detach(const std::string& place, bool force) {
-  const auto control = imageControl();
-  if (!control) return fail("detach", control.errorText());
-  const auto detached = detachImage(place, force, **control);
-  return detached ? 0 : fail("detach", detached.errorText());
-}
-
-int run(const std::vector<std::string>& arguments) {
+int run(const std::vector<std::string>& arguments, char** commandLine) {
   const std::string verb = arguments.empty() ? "" : arguments.front();
   const std::size_t count = arguments.size();
   if (verb == "info" && count == 1) return info(false);
   if (verb == "info" && count == 2 && arguments[1] == "-plist") return info(true);
-  if (verb == "attach" && count == 2) return attach(arguments[1]);
-  if (verb == "detach" && count == 2) return detach(arguments[1], false);
-  if (verb == "detach" && count == 3 && arguments[2] == "-force") return detach(arguments[1], true);
-  say(STDERR_FILENO,
-      "usage: hdiutil info [-plist] | attach <image> | detach <mount point> [-force]\n");
-  return kWrongArguments;
+  if (verb == "attach" || verb == "detach") return handOver(verb, commandLine);
+  return reportUsage();
 }
 
 }  // namespace
-
 }  // namespace quillmont
 
 int main(int count, char** arguments) {
   return quillmont::run(
-      std::vector<std::string>(arguments + (count > 0 ? 1 : 0), arguments + count));
+      std::vector<std::string>(arguments + (count > 0 ? 1 : 0), arguments + count), arguments);
 }
