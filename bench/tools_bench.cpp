@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "platform/linux/question_series.h"
+#include "platform/linux/user_folders.h"
 
 namespace quillmont {
 namespace {
@@ -63,40 +64,45 @@ dev_t deviceOf(const std::string& path) {
   return stat(path.c_str(), &status) == 0 ? status.st_dev : 0;
 }
 
-/// Ten small disk images whose volumes this process and its children alone see.
+/// Ten small disk images of the user's, whose volumes this process and its children alone see.
 class Volumes {
  public:
   Volumes() {
     char name[] = "/tmp/quillmont-bench.XXXXXX";
     if (unshare(CLONE_NEWNS) != 0 ||
-        mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
+        mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+        mount("volumes", "/media", "tmpfs", 0, nullptr) != 0) {
       return;
     }
     if (!mkdtemp(name)) return;
     folder_ = name;
     setenv("XDG_RUNTIME_DIR", name, 1);
     for (int number = 0; number < kVolumes; ++number) {
-      const auto place = folder_ + "/" + std::to_string(number);
-      const auto image = place + ".img";
+      const auto place = "/media/" + userName() + "/" + std::to_string(number);
+      const auto image = folder_ + "/" + std::to_string(number) + ".img";
       std::ofstream(image).close();
       fs::resize_file(image, 4u << 20);
-      fs::create_directory(place);
+      fs::create_directories(place);
       static_cast<void>(spentBy({"/sbin/mkfs.ext4", "-q", image}));
       // The loop device goes with the mount.
       static_cast<void>(spentBy({"/bin/mount", "-o", "loop", image, place}));
-      if (deviceOf(place) == deviceOf(folder_)) return;
+      if (deviceOf(place) == deviceOf("/media")) return;
       places_.push_back(place);
     }
   }
   ~Volumes() {
     for (const auto& place : places_) umount(place.c_str());
-    if (!folder_.empty()) fs::remove_all(folder_);
+    if (folder_.empty()) return;
+    umount("/media");
+    fs::remove_all(folder_);
   }
   Volumes(const Volumes&) = delete;
   Volumes& operator=(const Volumes&) = delete;
 
   bool complete() const { return places_.size() == kVolumes; }
   const std::string& at(int number) const { return places_[static_cast<std::size_t>(number)]; }
+  /// As the program knows it.
+  static std::string presented(int number) { return "/Volumes/" + std::to_string(number); }
 
  private:
   std::string folder_;
@@ -153,7 +159,7 @@ using Commands = std::vector<std::vector<std::string>>;
 
 void openFilesTool(benchmark::State& state) {
   const auto tool = ownTool();
-  measure(state, tool, [&] { return Commands{{tool, "-F", "cpn", volumes().at(0)}}; });
+  measure(state, tool, [&] { return Commands{{tool, "-F", "cpn", Volumes::presented(0)}}; });
 }
 
 void systemOpenFilesTool(benchmark::State& state) {
@@ -171,7 +177,7 @@ void openFilesOfTenVolumes(benchmark::State& state) {
   measure(state, tool, [&] {
     Commands commands;
     for (int number = 0; number < kVolumes; ++number) {
-      commands.push_back({tool, "-F", "cpn", volumes().at(number)});
+      commands.push_back({tool, "-F", "cpn", Volumes::presented(number)});
     }
     return commands;
   });

@@ -9,6 +9,7 @@
 #include "platform/Host.h"
 #include "platform/linux/running_instances.h"
 #include "platform/linux/user_folders.h"
+#include "platform/linux/volume_paths.h"
 
 namespace quillmont {
 namespace {
@@ -21,13 +22,9 @@ bool hasMore(const std::set<MountedVolume>& volumes, const std::set<MountedVolum
 }  // namespace
 
 std::set<MountedVolume> mountedVolumes(const std::vector<Mount>& mounts, const std::string& user) {
-  const std::string folders[] = {"/media/" + user + "/", "/run/media/" + user + "/", "/Volumes/"};
   std::set<MountedVolume> result;
   for (const auto& mount : mounts) {
-    const auto holdsIt = [&](const std::string& folder) {
-      return mount.mountPoint.starts_with(folder);
-    };
-    if (std::any_of(std::begin(folders), std::end(folders), holdsIt)) {
+    if (presentedVolumePath(mount.mountPoint, user, {}).starts_with(kVolumesFolder)) {
       result.emplace(mount.id, mount.mountPoint, mount.source);
     }
   }

@@ -62,10 +62,11 @@ std::string presentedVolumePath(const std::string& mountPoint, const std::string
   for (std::size_t i = 0; i < roots.size(); ++i) {
     const std::string name(nameBelow(roots[i], mountPoint));
     if (name.empty()) continue;
+    const auto presented = std::string(kVolumesFolder) + name;
     // A file system that is really mounted below /Volumes has the first right to its name.
-    const bool clash = contains(allMountPoints, "/Volumes/" + name) ||
-                       (i > 0 && contains(allMountPoints, roots[0] + name));
-    if (!clash) return presentable("/Volumes/" + name);
+    const bool clash =
+        contains(allMountPoints, presented) || (i > 0 && contains(allMountPoints, roots[0] + name));
+    if (!clash) return presentable(presented);
   }
   return presentable(mountPoint);
 }

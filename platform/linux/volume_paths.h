@@ -9,6 +9,9 @@
 
 namespace quillmont {
 
+/// Where all volumes of disk images are, as the program knows them.
+inline constexpr std::string_view kVolumesFolder = "/Volumes/";
+
 /// The name under which the volume mounted at `mountPoint` is presented to the user `user`.
 /// `allMountPoints` decides a clash: when both roots hold a volume of one name, the one under
 /// /media is presented and the other keeps its path. Bytes that a property list cannot carry

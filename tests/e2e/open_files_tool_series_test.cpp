@@ -6,6 +6,8 @@
 #include <thread>
 
 #include "platform/linux/question_series.h"
+#include "platform/linux/user_folders.h"
+#include "platform/linux/volume_paths.h"
 #include "tests/e2e/OpenFilesTool.h"
 #include "tests/support/Holder.h"
 
@@ -15,22 +17,23 @@ namespace {
 using namespace std::chrono_literals;
 using testing::Holder;
 
-/// Two images, each with a file.
+/// Two images of the user's, each with a file.
 class OpenFilesToolSeries : public OpenFilesTool {
  protected:
   void SetUp() override {
     ASSERT_NO_FATAL_FAILURE(OpenFilesTool::SetUp());
     if (IsSkipped()) return;
     chmod(runtime_.path().c_str(), 0700);
+    ASSERT_NO_FATAL_FAILURE(mountMemory("/media"));
     for (const auto& volume : {one_, two_}) ASSERT_NO_FATAL_FAILURE(mountImage(volume));
   }
 
   void mountImage(const std::string& place) {
     if (IsSkipped()) return;
-    const auto image = place + ".img";
+    const auto image = imageOf(place);
     std::ofstream(image).close();
     std::filesystem::resize_file(image, 4u << 20);
-    std::filesystem::create_directory(place);
+    std::filesystem::create_directories(place);
     if (testing::run({"mkfs.ext4", "-q", image}).status != 0 ||
         testing::run({"mount", "-o", "loop", image, place}).status != 0) {
       GTEST_SKIP() << "no loop device on this machine";
@@ -39,19 +42,28 @@ class OpenFilesToolSeries : public OpenFilesTool {
     ASSERT_TRUE(std::ofstream(place + "/file") << "x");
   }
 
+  std::string imageOf(const std::string& place) const {
+    return folder_.path() + place.substr(place.rfind('/')) + ".img";
+  }
+
   testing::Environment series() const {
     return testing::environmentWith({{kSeriesVariable, "1"}, {"XDG_RUNTIME_DIR", runtime_.path()}});
   }
 
-  Pids usersInSeries(const std::string& place) const {
-    return pidsIn(testing::run({kTool, "-F", "cpn", place}, series()).standardOutput);
+  /// The program knows a volume by the name that it is presented under.
+  static std::vector<std::string> question(const std::string& place) {
+    return {kTool, "-F", "cpn", presentedVolumePath(place, userName(), {})};
   }
 
-  /// Whether the look at hand still has an answer to give.
-  bool hasAnswersLeft() const {
+  Pids usersInSeries(const std::string& place) const {
+    return pidsIn(testing::run(question(place), series()).standardOutput);
+  }
+
+  /// Whether the look at hand still has an answer to give about a path that begins so.
+  bool hasAnswersLeft(const std::string& path = "/") const {
     std::ostringstream text;
     text << std::ifstream(look_).rdbuf();
-    return text.str().find(std::string("new\0/", 5)) != std::string::npos;
+    return text.str().find(std::string("new\0", 4) + path) != std::string::npos;
   }
 
   Holder holderOf(const std::string& place) const {
@@ -60,8 +72,8 @@ class OpenFilesToolSeries : public OpenFilesTool {
 
   const testing::TemporaryFolder runtime_;
   const std::string look_ = runtime_.path() + "/com.norwaldex.Quillmont/look";
-  const std::string one_ = folder_.path() + "/one";
-  const std::string two_ = folder_.path() + "/two";
+  const std::string one_ = "/media/" + userName() + "/one";
+  const std::string two_ = "/media/" + userName() + "/two";
 };
 
 TEST_F(OpenFilesToolSeries, UsersOfEachImageAreToldApartByOneLook) {
@@ -77,7 +89,7 @@ TEST_F(OpenFilesToolSeries, AnswersAreTheSameAsThoseOfALookOfOnesOwn) {
   const Holder second([&] { return chdir(two_.c_str()) == 0; });
   usersInSeries(one_);
   const auto own = ask(two_);
-  const auto shared = testing::run({kTool, "-F", "cpn", two_}, series());
+  const auto shared = testing::run(question(two_), series());
   EXPECT_EQ(shared.standardOutput, own.standardOutput);
   EXPECT_EQ(shared.status, own.status);
 }
@@ -101,8 +113,8 @@ TEST_F(OpenFilesToolSeries, LookIsTooOldAfterASecond) {
 TEST_F(OpenFilesToolSeries, OtherProcessHasALookOfItsOwn) {
   EXPECT_EQ(usersInSeries(one_), Pids{});
   const auto holder = holderOf(two_);
-  const auto outcome =
-      testing::run({"sh", "-c", "\"$1\" -F cpn \"$2\"; exit 7", "sh", kTool, two_}, series());
+  const auto outcome = testing::run(
+      {"sh", "-c", "\"$@\"; exit 7", "sh", kTool, "-F", "cpn", question(two_).back()}, series());
   EXPECT_EQ(outcome.status, 7);
   EXPECT_EQ(pidsIn(outcome.standardOutput), Pids{holder.pid()});
 }
@@ -111,7 +123,7 @@ TEST_F(OpenFilesToolSeries, WhoStartsTheToolByHandHasALookOfTheirOwn) {
   EXPECT_EQ(usersInSeries(one_), Pids{});
   const auto holder = holderOf(two_);
   const auto outcome = testing::run(
-      {kTool, "-F", "cpn", two_}, testing::environmentWith({{"XDG_RUNTIME_DIR", runtime_.path()}}));
+      question(two_), testing::environmentWith({{"XDG_RUNTIME_DIR", runtime_.path()}}));
   EXPECT_EQ(pidsIn(outcome.standardOutput), Pids{holder.pid()});
 }
 
@@ -130,10 +142,9 @@ TEST_F(OpenFilesToolSeries, LookThatCannotBeKeptOrTakenHidesNobody) {
   const auto usersDespite = [&](const std::string& fault, const std::string& place) {
     auto environment = series();
     environment["ASAN_OPTIONS"] = "detect_leaks=0";
-    return pidsIn(testing::run({"strace", "-D", "-o", "/dev/null", "-e", "inject=" + fault, kTool,
-                                "-F", "cpn", place},
-                               environment)
-                      .standardOutput);
+    std::vector<std::string> command = {"strace", "-D", "-o", "/dev/null", "-e", "inject=" + fault};
+    for (const auto& word : question(place)) command.push_back(word);
+    return pidsIn(testing::run(command, environment).standardOutput);
   };
   for (const char* fault :
        {"flock:error=EIO", "pwrite64:error=ENOSPC", "rename:error=ENOSPC", "unlink:error=EIO"}) {
@@ -151,12 +162,24 @@ TEST_F(OpenFilesToolSeries, LookThatCannotBeKeptOrTakenHidesNobody) {
   }
 }
 
+TEST_F(OpenFilesToolSeries, ImagesOfTheSystemAreLookedAtOnlyForThemselves) {
+  const auto packaged = folder_.path() + "/packaged";
+  ASSERT_NO_FATAL_FAILURE(mountImage(packaged));
+  const auto first = holderOf(one_);
+  const auto second = holderOf(packaged);
+  EXPECT_EQ(usersInSeries(one_), Pids{first.pid()});
+  EXPECT_TRUE(hasAnswersLeft());
+  EXPECT_TRUE(hasAnswersLeft("/Volumes/two"));
+  EXPECT_FALSE(hasAnswersLeft(packaged));
+  EXPECT_EQ(usersInSeries(packaged), Pids{second.pid()});
+}
+
 TEST_F(OpenFilesToolSeries, ImageThatTookThePlaceOfAnotherIsLookedAtAnew) {
   EXPECT_EQ(usersInSeries(one_), Pids{});
   ASSERT_EQ(umount2(two_.c_str(), 0), 0);
   mounted_.pop_back();
   ASSERT_NO_FATAL_FAILURE(mountMemory(folder_.path() + "/between"));
-  ASSERT_EQ(testing::run({"mount", "-o", "loop", two_ + ".img", two_}).status, 0);
+  ASSERT_EQ(testing::run({"mount", "-o", "loop", imageOf(two_), two_}).status, 0);
   mounted_.push_back(two_);
   const auto holder = holderOf(two_);
   EXPECT_EQ(usersInSeries(two_), Pids{holder.pid()});

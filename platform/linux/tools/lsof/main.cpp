@@ -2,9 +2,11 @@
 
 #include <unistd.h>
 
-#include <algorithm>
+#include <map>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "platform/linux/ghost_places.h"
 #include "platform/linux/ghosts.h"
@@ -34,34 +36,38 @@ int answer(const std::string& report) {
   return written ? 0 : fail(1, "lsof: " + written.errorText());
 }
 
-/// The places of all images but `asked`, each once.
-std::vector<std::string> otherPlaces(const std::string& asked, const VolumeSurroundings& system) {
-  std::vector<std::string> places;
-  for (const auto& volume : system.volumes) places.push_back(volume.mount.mountPoint);
-  for (const auto& ghost : system.ghosts) places.push_back(ghost.mountPoint);
-  std::sort(places.begin(), places.end());
-  places.erase(std::unique(places.begin(), places.end()), places.end());
-  std::erase(places, asked);
+/// The places of all images of the user's but `asked`, each once, and what the user knows them as.
+/// Images that the system itself has attached, packaged programs for instance, are none of them.
+std::map<std::string, std::string> otherPlaces(const std::string& asked, const std::string& user,
+                                               const VolumeSurroundings& system) {
+  std::map<std::string, std::string> places;
+  const auto all = mountPointsOf(system);
+  const auto add = [&](const std::string& place) {
+    auto presented = presentedVolumePath(place, user, all);
+    if (presented.starts_with(kVolumesFolder)) places.emplace(place, std::move(presented));
+  };
+  for (const auto& volume : system.volumes) add(volume.mount.mountPoint);
+  for (const auto& ghost : system.ghosts) add(ghost.mountPoint);
+  places.erase(asked);
   return places;
 }
 
-/// Looks for the users of all images at once, and keeps what it finds about those that are not at
-/// `asked`. The report about `asked`.
+/// Looks for the users of all images of the user's at once, and keeps what it finds about those
+/// that are not at `asked`. The report about `asked`.
 std::string lookForAll(const std::string& asked, const std::string& user,
                        const VolumeSurroundings& system, const SharedLook& shared) {
   const auto began = timeSinceBoot();
   shared.drop();
   std::vector<VolumeIdentity> volumes = {identifyVolume(asked, system, cachedMountPointStatus)};
-  const auto places = otherPlaces(asked, system);
-  for (const auto& place : places) {
+  const auto others = otherPlaces(asked, user, system);
+  for (const auto& [place, presented] : others) {
     volumes.push_back(identifyVolume(place, system, cachedMountPointStatus));
   }
   auto reports = ProcessScan(volumes).reports();
-  const auto allPlaces = mountPointsOf(system);
   std::vector<VolumeAnswer> answers;
-  for (std::size_t index = 0; index < places.size(); ++index) {
-    answers.push_back(
-        {presentedVolumePath(places[index], user, allPlaces), std::move(reports[index + 1])});
+  auto report = reports.begin();
+  for (const auto& [place, presented] : others) {
+    answers.push_back({presented, std::move(*++report)});
   }
   if (!answers.empty()) shared.keep(answers, began);
   return reports.front();
