@@ -138,6 +138,31 @@ TEST_F(PanelTest, BarOfTheMessageBusActivatesTheItem) {
   EXPECT_TRUE(panelCloses());
 }
 
+TEST_F(PanelTest, BarOfTheMessageBusIsNotCoveredOnEitherOfTwoMonitors) {
+  DesktopOptions options;
+  options.width = 1600;
+  options.monitors = 2;
+  options.trayEdge = "bottom";
+  if (const auto reason = DesktopLab::whyImpossible(options); !reason.empty()) {
+    GTEST_SKIP() << reason;
+  }
+  startDesktop(options);
+  const StatusNotifierBar bar(lab->busAddress());
+  start();
+  const auto item = bar.waitForItem(10s);
+  ASSERT_TRUE(item) << program->output();
+  for (const int monitor : {0, 800}) {
+    lab->move(monitor + 500, options.height - 3);
+    ASSERT_TRUE(StatusNotifierBar::activate(lab->busAddress(), *item));
+    ASSERT_TRUE(panelOpens());
+    const auto panel = windowOfWidth(320, 400)->rectangle;
+    EXPECT_LE(panel.y + panel.height, options.height - 20) << panel;
+    EXPECT_TRUE(panel.contains(monitor + 500, panel.centerY())) << panel;
+    ASSERT_TRUE(StatusNotifierBar::activate(lab->busAddress(), *item));
+    ASSERT_TRUE(panelCloses());
+  }
+}
+
 TEST_F(PanelTest, BarOfTheMessageBusMayComeLateAndRestart) {
   DesktopOptions options;
   options.tray = Tray::none;

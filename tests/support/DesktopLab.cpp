@@ -76,6 +76,7 @@ std::string panelLayout(const std::string& edge) {
 std::string DesktopLab::whyImpossible(const DesktopOptions& options) {
   std::vector<std::string> programs = {"setpriv", "Xvfb",   "openbox", "dbus-daemon",
                                        "xdotool", "import", kRegistry};
+  if (options.monitors > 1) programs.emplace_back("xrandr");
   if (options.compositor) programs.emplace_back("picom");
   if (options.tray == Tray::xEmbed) programs.emplace_back("trayer");
   if (options.tray == Tray::statusNotifier) {
@@ -93,6 +94,7 @@ DesktopLab::DesktopLab(const DesktopOptions& options) {
   }
   chmod((folder_.path() + "/runtime").c_str(), 0700);
   startServer(options);
+  if (options.monitors > 1) divide(options);
   startAccessibility();
   startWindowManager();
   if (options.compositor) startCompositor();
@@ -145,6 +147,20 @@ void DesktopLab::startServer(const DesktopOptions& options) {
   }
   display_ = ":" + number;
   screen_ = std::make_unique<XScreen>(display_);
+}
+
+/// The server has one output; of the monitors all but the first are without any.
+void DesktopLab::divide(const DesktopOptions& options) const {
+  const auto width = std::to_string(options.width / options.monitors);
+  const auto height = std::to_string(options.height);
+  for (int number = 0; number < options.monitors; ++number) {
+    const auto at = std::to_string(number * options.width / options.monitors);
+    const auto outcome =
+        run({"xrandr", "--setmonitor", "monitor" + std::to_string(number),
+             width + "/200x" + height + "/150+" + at + "+0", number == 0 ? "screen" : "none"},
+            environment());
+    if (outcome.status != 0) throw std::runtime_error("xrandr: " + outcome.standardError);
+  }
 }
 
 void DesktopLab::startAccessibility() {

@@ -25,6 +25,7 @@ enum class Tray {
 struct DesktopOptions {
   int width = 1024;
   int height = 768;
+  int monitors = 1;  ///< side by side, each with an equal share of the width
   bool compositor = false;
   Tray tray = Tray::xEmbed;
   std::string trayEdge = "top";  ///< or bottom, left, right
@@ -91,6 +92,7 @@ class DesktopLab {
 
  private:
   void startServer(const DesktopOptions& options);
+  void divide(const DesktopOptions& options) const;
   void startWindowManager();
   void startCompositor();
   void startAccessibility();

@@ -15,6 +15,12 @@ namespace {
 
 constexpr std::chrono::seconds kBusPatience(10);
 
+/// On X11 with more than one monitor Qt takes no notice of bars unless it is told to, and the panel
+/// would lie over them.
+void seeBarsOnSeveralMonitors() {
+  setenv("QT_RELY_ON_NET_WORKAREA_ATOM", "1", 0);
+}
+
 }  // namespace
 
 /// The session manager's wish. Qt would ask the windows first, of which a panel closes for nobody.
@@ -40,6 +46,7 @@ QtApplication::QtApplication(EventLoop& loop, Log& log) : LinuxApplication(loop)
   keepFromStartingSessionBus();
   outliveSessionBus();
   leaveSilentSessionBus(kBusPatience, log);
+  seeBarsOnSeveralMonitors();
   const bool ownChoice = !qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
   arguments_.texts = {"Quillmont"};
   if (ownChoice) {
@@ -50,7 +57,7 @@ QtApplication::QtApplication(EventLoop& loop, Log& log) : LinuxApplication(loop)
   arguments_.pointers.push_back(nullptr);
 
   QApplication::setApplicationName("Quillmont");
-  QApplication::setDesktopFileName("com.norwaldex.Quillmont");
+  QApplication::setDesktopFileName("quillmont");
   application_ = std::make_unique<QApplication>(arguments_.count, arguments_.pointers.data());
   QApplication::setQuitOnLastWindowClosed(false);
   quitFilter_ = std::make_unique<QuitFilter>(*this);
