@@ -12,8 +12,9 @@ inline constexpr SystemInterface kSystemInterfaces[] = {
      "-window"},
     {"NSAppearance", "-performAsCurrentDrawingAppearance:"},
     {"NSApplication",
-     "+sharedApplication -activateIgnoringOtherApps: -activationPolicy -currentEvent -hide: "
-     "-isActive -keyWindow -modalWindow -run -setActivationPolicy: -setDelegate: -terminate:"},
+     "+sharedApplication -activateIgnoringOtherApps: -activationPolicy -currentEvent "
+     "-disableRelaunchOnLogin -hide: -isActive -keyWindow -modalWindow -run "
+     "-setActivationPolicy: -setDelegate: -terminate: -unhideWithoutActivation"},
     {"NSArray",
      "+array +arrayWithObjects:count: -containsObject: -count "
      "-countByEnumeratingWithState:objects:count:"},

@@ -32,8 +32,11 @@ def load(program):
     require(program.cpu == macho.ARM64, "it is not for a 64-bit Arm Mac")
     require(program.kind == macho.EXECUTE, "it is no executable")
     require(program.flags & macho.FLAG_PIE, "it is not position-independent")
-    version = program.version()
-    require(version == (macho.PLATFORM_MACOS, "13.0"), f"it asks for platform, system {version}")
+    platform, least, made_for = program.version()
+    require((platform, least) == (macho.PLATFORM_MACOS, "13.0"),
+            f"it asks for platform {platform}, system {least}")
+    # The system treats a program that was made for an old one as it was treated then.
+    require(float(made_for) >= 13, f"it was made for system {made_for}")
     program.only(macho.MAIN, "LC_MAIN")
     require(not program.at(macho.RPATH), "it searches for libraries along a path")
     for library in program.libraries():

@@ -43,6 +43,11 @@ class Damage(unittest.TestCase):
         struct.pack_into("<I", self.data, at + 12, 14 << 16)
         self.assert_found(check_program.load, "14.0")
 
+    def test_an_interface_of_old(self):
+        at = self.program().only(macho.BUILD_VERSION, "version")
+        struct.pack_into("<I", self.data, at + 16, 10 << 16 | 13 << 8)
+        self.assert_found(check_program.load, "made for system 10.13")
+
     def test_an_unexpected_library(self):
         at = self.data.index(b"/usr/lib/libobjc.A.dylib")
         self.data[at + 9:at + 16] = b"another"

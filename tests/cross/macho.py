@@ -45,10 +45,11 @@ class Program:
         return found[0]
 
     def version(self):
-        """Platform and the least system version that the program asks for."""
-        platform, least = struct.unpack_from(
-            "<2I", self.data, self.only(BUILD_VERSION, "LC_BUILD_VERSION") + 8)
-        return platform, f"{least >> 16}.{least >> 8 & 255}"
+        """Platform, the least system version that the program asks for, and that of the interface
+        that it was made for."""
+        platform, *versions = struct.unpack_from(
+            "<3I", self.data, self.only(BUILD_VERSION, "LC_BUILD_VERSION") + 8)
+        return platform, *(f"{version >> 16}.{version >> 8 & 255}" for version in versions)
 
     def libraries(self):
         """Install names, in the order that bindings count them, from 1."""

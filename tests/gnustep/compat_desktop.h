@@ -32,6 +32,7 @@ typedef unsigned long long NSEventMask;
 @interface NSApplication (QMCompat)
 - (NSApplicationActivationPolicy)activationPolicy;
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy;
+- (void)disableRelaunchOnLogin;
 - (BOOL)isFullKeyboardAccessEnabled;
 @end
 

@@ -38,6 +38,8 @@ static NSApplicationActivationPolicy activationPolicy = NSApplicationActivationP
   activationPolicy = policy;
   return YES;
 }
+- (void)disableRelaunchOnLogin {
+}
 /// GNUstep's own way with the keyboard.
 - (BOOL)isFullKeyboardAccessEnabled {
   return YES;

@@ -79,6 +79,8 @@ class AppKitApplication::Native {
       [application setActivationPolicy:NSApplicationActivationPolicyAccessory];
     }
     [application setDelegate:delegate_];
+    // Or else it would come back after a login by itself, whatever the user has chosen.
+    [application disableRelaunchOnLogin];
   }
   ~Native() { [NSApp setDelegate:nil]; }
   Native(const Native&) = delete;

@@ -69,7 +69,9 @@ class MacPopover::Native : public std::enable_shared_from_this<Native> {
     delegate_.get()->willClose_ = [weak = weak_from_this()] {
       if (const auto self = weak.lock()) self->willClose();
     };
-    delegate_.get()->didClose_ = giveKeyboardBack;
+    delegate_.get()->didClose_ = [weak = weak_from_this()] {
+      if (const auto self = weak.lock()) self->didClose();
+    };
     [popover_ setDelegate:delegate_];
   }
 
@@ -92,6 +94,8 @@ class MacPopover::Native : public std::enable_shared_from_this<Native> {
     if (!panel_ || [anchor window] == nil) return;
     closing_ = false;
     panel_->prepare();
+    // The last closing hid the program, and the system may refuse to activate it.
+    [NSApp unhideWithoutActivation];
     // Or else the panel would not get the keyboard, and not learn of clicks in other programs.
     [NSApp activateIgnoringOtherApps:YES];
     [popover_ showRelativeToRect:[anchor bounds] ofView:anchor preferredEdge:edge];
@@ -118,6 +122,11 @@ class MacPopover::Native : public std::enable_shared_from_this<Native> {
     if (std::exchange(closing_, true)) return;
     if (panel_) panel_->disappears();
     onClosing_();
+  }
+
+  /// The end of a closing may come after the next opening.
+  void didClose() {
+    if (closing_) giveKeyboardBack();
   }
 
   const std::function<void()> onClosing_;

@@ -183,6 +183,21 @@ TEST(MacPopover, GivesTheKeyboardBackToTheProgramThatHadIt) {
   }
 }
 
+TEST(MacPopover, ClosingThatEndsAfterTheNextOpeningLeavesItTheKeyboard) {
+  @autoreleasepool {
+    Fixture f;
+    f.fill(240, 160);
+    f.show();
+    EXPECT_TRUE(Turns::turnUntil([] { return [NSApp isActive]; }));
+    // As AppKit says it when a closing that fades out has ended.
+    [[f.native() delegate] popoverDidClose:[NSNotification notificationWithName:@"closed"
+                                                                         object:f.native()]];
+    Turns::turn();
+    EXPECT_TRUE([NSApp isActive]);
+    EXPECT_TRUE([[f.panel() window] isVisible]);
+  }
+}
+
 TEST(MacPopover, TabGivesItsFirstControlTheKeyboardThenTheNext) {
   if (![[NSApplication sharedApplication] isFullKeyboardAccessEnabled]) {
     GTEST_SKIP() << "the system's settings keep the keyboard from buttons";

@@ -53,7 +53,7 @@ std::int64_t runAlertDialog(const Alert& alert) {
     [NSApp activateIgnoringOtherApps:YES];
     const auto before = share([NSApp keyWindow]);
     const NSInteger answer = [dialog runModal];
-    if (![before isVisible]) giveKeyboardBack();
+    if (![before isVisible] && [NSApp keyWindow] == nil) giveKeyboardBack();
     return answer >= NSAlertFirstButtonReturn
                ? kAlertFirstButtonReturn + (answer - NSAlertFirstButtonReturn)
                : kAlertAborted;

@@ -30,6 +30,13 @@
   [super dealloc];
 }
 
+/// AppKit sets what the user prefers whenever that changes, and a scroller that takes room would
+/// lie over the right edge of the content.
+- (void)setScrollerStyle:(NSScrollerStyle)style {
+  (void)style;
+  [super setScrollerStyle:NSScrollerStyleOverlay];
+}
+
 - (void)contentDidMove:(NSNotification*)notification {
   const auto told = onScroll;
   if (told) told();

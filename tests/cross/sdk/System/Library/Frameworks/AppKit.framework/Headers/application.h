@@ -51,6 +51,8 @@ static const CGFloat NSSquareStatusItemLength = -2.0;
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy;
 - (void)activateIgnoringOtherApps:(BOOL)ignoreOthers;
 - (void)hide:(nullable id)sender;
+- (void)unhideWithoutActivation;
+- (void)disableRelaunchOnLogin;
 - (void)finishLaunching;
 - (void)run;
 - (void)stop:(nullable id)sender;
