@@ -13,8 +13,8 @@ class ConfigManager;
 class QuillmontDaemon;
 struct DiskImage;
 
-/// Main thread. Holds no logic of its own but the timeout's label; every control reads or writes the
-/// monitor or the settings, and the gear opens the GearMenu.
+/// Main thread. Holds no logic of its own but the timeout's label; every control reads or writes
+/// the monitor or the settings, and the gear opens the GearMenu.
 class MainView {
  public:
   /// On the real host, with the monitor and the settings of the process.
