@@ -1,5 +1,4 @@
-// What the disk-image tool says when it does not do what it was asked for, with the exit statuses
-// of the Mac's.
+// How both halves of the disk-image tool speak, and the statuses that they end with: the Mac's.
 #pragma once
 
 #include <string>
