@@ -65,6 +65,7 @@ std::string lookForAll(const std::string& asked, const std::string& user,
   }
   auto reports = ProcessScan(volumes).reports();
   std::vector<VolumeAnswer> answers;
+  answers.reserve(others.size());
   auto report = reports.begin();
   for (const auto& [place, presented] : others) {
     answers.push_back({presented, std::move(*++report)});
