@@ -24,7 +24,7 @@ bool hasMore(const std::set<MountedVolume>& volumes, const std::set<MountedVolum
 std::set<MountedVolume> mountedVolumes(const std::vector<Mount>& mounts, const std::string& user) {
   std::set<MountedVolume> result;
   for (const auto& mount : mounts) {
-    if (presentedVolumePath(mount.mountPoint, user, {}).starts_with(kVolumesFolder)) {
+    if (isVolumeOfUser(mount.mountPoint, user)) {
       result.emplace(mount.id, mount.mountPoint, mount.source);
     }
   }

@@ -71,6 +71,14 @@ std::string presentedVolumePath(const std::string& mountPoint, const std::string
   return presentable(mountPoint);
 }
 
+bool isVolumeOfUser(std::string_view mountPoint, const std::string& user) {
+  const auto roots = volumeRoots(user);
+  const auto holdsIt = [&](const std::string& root) {
+    return !nameBelow(root, mountPoint).empty();
+  };
+  return mountPoint.starts_with(kVolumesFolder) || std::any_of(roots.begin(), roots.end(), holdsIt);
+}
+
 std::string volumeMountPoint(const std::string& presented, const std::string& user,
                              const std::vector<std::string>& allMountPoints) {
   const auto found = std::find_if(

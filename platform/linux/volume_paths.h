@@ -20,6 +20,10 @@ inline constexpr std::string_view kVolumesFolder = "/Volumes/";
 std::string presentedVolumePath(const std::string& mountPoint, const std::string& user,
                                 const std::vector<std::string>& allMountPoints);
 
+/// Whether `mountPoint` lies where volumes of the user `user` are presented from. Of two volumes
+/// that clash both do.
+bool isVolumeOfUser(std::string_view mountPoint, const std::string& user);
+
 /// The mount point that is presented as `presented`: the one of `allMountPoints` for which
 /// presentedVolumePath() answers it; empty if there is none.
 std::string volumeMountPoint(const std::string& presented, const std::string& user,

@@ -31,6 +31,16 @@ TEST(VolumePaths, OtherPlacesKeepTheirPath) {
   }
 }
 
+TEST(VolumePaths, WhatIsPresentedUnderVolumesIsTheUsers) {
+  for (const char* path : {"/media/ann/x", "/run/media/ann/x", "/media/ann/A/b", "/Volumes/x"}) {
+    EXPECT_TRUE(isVolumeOfUser(path, "ann")) << path;
+  }
+  for (const char* path : {"/", "/media/ann", "/media/ann/", "/media/anna/x", "/media/bob/x",
+                           "/x/media/ann/y", "/Volumes"}) {
+    EXPECT_FALSE(isVolumeOfUser(path, "ann")) << path;
+  }
+}
+
 TEST(VolumePaths, OfTwoVolumesOfOneNameTheOneUnderMediaIsPresented) {
   EXPECT_EQ(thereAndBack("/media/ann/x", {"/run/media/ann/x"}), "/Volumes/x");
   EXPECT_EQ(thereAndBack("/run/media/ann/x", {"/media/ann/x"}), "/run/media/ann/x");

@@ -45,10 +45,7 @@ class PanelTest : public ::testing::Test {
   /// The program with `changes` to its environment, on a desktop that has been started or is now.
   void start(const Environment& changes = {}) {
     if (!lab) startDesktop();
-    Environment environment = session->environment();
-    for (const auto& [name, value] : changes) environment[name] = value;
-    program = std::make_unique<Program>(
-        std::vector<std::string>{session->bundle() + "/Contents/MacOS/Quillmont"}, environment);
+    program = session->start(changes);
   }
 
   /// The program's window that shows and is at most, or at least, so wide.

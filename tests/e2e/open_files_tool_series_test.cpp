@@ -9,6 +9,7 @@
 #include "platform/linux/user_folders.h"
 #include "platform/linux/volume_paths.h"
 #include "tests/e2e/OpenFilesTool.h"
+#include "tests/support/DiskImages.h"
 #include "tests/support/Holder.h"
 
 namespace quillmont {
@@ -50,9 +51,13 @@ class OpenFilesToolSeries : public OpenFilesTool {
     return testing::environmentWith({{kSeriesVariable, "1"}, {"XDG_RUNTIME_DIR", runtime_.path()}});
   }
 
-  /// The program knows a volume by the name that it is presented under.
-  static std::vector<std::string> question(const std::string& place) {
-    return {kTool, "-F", "cpn", presentedVolumePath(place, userName(), {})};
+  /// The program knows a volume by the name that it is presented under. Put by another program, if
+  /// one is named.
+  static std::vector<std::string> question(const std::string& place,
+                                           std::vector<std::string> command = {}) {
+    const auto presented = presentedVolumePath(place, userName(), {});
+    command.insert(command.end(), {kTool, "-F", "cpn", presented});
+    return command;
   }
 
   Pids usersInSeries(const std::string& place) const {
@@ -72,8 +77,8 @@ class OpenFilesToolSeries : public OpenFilesTool {
 
   const testing::TemporaryFolder runtime_;
   const std::string look_ = runtime_.path() + "/com.norwaldex.Quillmont/look";
-  const std::string one_ = "/media/" + userName() + "/one";
-  const std::string two_ = "/media/" + userName() + "/two";
+  const std::string one_ = testing::DiskImages::realPlace("one");
+  const std::string two_ = testing::DiskImages::realPlace("two");
 };
 
 TEST_F(OpenFilesToolSeries, UsersOfEachImageAreToldApartByOneLook) {
@@ -113,8 +118,7 @@ TEST_F(OpenFilesToolSeries, LookIsTooOldAfterASecond) {
 TEST_F(OpenFilesToolSeries, OtherProcessHasALookOfItsOwn) {
   EXPECT_EQ(usersInSeries(one_), Pids{});
   const auto holder = holderOf(two_);
-  const auto outcome = testing::run(
-      {"sh", "-c", "\"$@\"; exit 7", "sh", kTool, "-F", "cpn", question(two_).back()}, series());
+  const auto outcome = testing::run(question(two_, {"sh", "-c", "\"$@\"; exit 7", "sh"}), series());
   EXPECT_EQ(outcome.status, 7);
   EXPECT_EQ(pidsIn(outcome.standardOutput), Pids{holder.pid()});
 }
@@ -142,8 +146,8 @@ TEST_F(OpenFilesToolSeries, LookThatCannotBeKeptOrTakenHidesNobody) {
   const auto usersDespite = [&](const std::string& fault, const std::string& place) {
     auto environment = series();
     environment["ASAN_OPTIONS"] = "detect_leaks=0";
-    std::vector<std::string> command = {"strace", "-D", "-o", "/dev/null", "-e", "inject=" + fault};
-    for (const auto& word : question(place)) command.push_back(word);
+    const auto command =
+        question(place, {"strace", "-D", "-o", "/dev/null", "-e", "inject=" + fault});
     return pidsIn(testing::run(command, environment).standardOutput);
   };
   for (const char* fault :

@@ -211,11 +211,9 @@ TEST_F(ProgramTest, SecondInstanceLeavesWithItsOneLogLine) {
       5s));
   // It leaves while the toolkit is still on its way to the message bus: what that has in hand then
   // is nobody's any more.
-  auto environment = session->environment();
-  environment["ASAN_OPTIONS"] = "detect_leaks=0";
-  Program second({session->bundle() + "/Contents/MacOS/Quillmont"}, environment);
-  EXPECT_EQ(second.waitForExit(5s), 0);
-  const auto lines = second.output();
+  const auto second = session->start({{"ASAN_OPTIONS", "detect_leaks=0"}});
+  EXPECT_EQ(second->waitForExit(5s), 0);
+  const auto lines = second->output();
   EXPECT_THAT(lines, HasSubstr(kSecondInstance));
   EXPECT_EQ(countOf("\n", lines), 1) << lines;
   EXPECT_TRUE(program->running());

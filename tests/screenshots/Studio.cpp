@@ -81,10 +81,9 @@ void Studio::endProgram() {
 void Studio::openPanel() {
   endProgram();
   moveAway();
-  auto environment = session_.environment();
-  if (scale_ > 1) environment["QT_SCALE_FACTOR"] = std::to_string(scale_);
-  program_ = std::make_unique<Program>(
-      std::vector<std::string>{session_.bundle() + "/Contents/MacOS/Quillmont"}, environment);
+  Environment changes;
+  if (scale_ > 1) changes["QT_SCALE_FACTOR"] = std::to_string(scale_);
+  program_ = session_.start(changes);
   std::optional<ScreenRectangle> before, now;
   const auto isDocked = [&] {
     before = std::exchange(now, icon());

@@ -86,9 +86,11 @@ void Session::replaceTool(const std::string& name, const std::string& script) co
   chmod(tool(name).c_str(), 0755);
 }
 
-std::unique_ptr<Program> Session::start() const {
+std::unique_ptr<Program> Session::start(const Environment& changes) const {
+  Environment environment = environment_;
+  for (const auto& [name, value] : changes) environment[name] = value;
   return std::make_unique<Program>(std::vector<std::string>{bundle_ + "/Contents/MacOS/Quillmont"},
-                                   environment_);
+                                   environment);
 }
 
 }  // namespace quillmont::testing

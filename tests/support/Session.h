@@ -39,8 +39,8 @@ class Session {
   /// and "$state" a folder for its own notes.
   void replaceTool(const std::string& name, const std::string& script) const;
 
-  /// Starts the program.
-  std::unique_ptr<Program> start() const;
+  /// Starts the program, with `changes` to its environment.
+  std::unique_ptr<Program> start(const Environment& changes = {}) const;
 
  private:
   TemporaryFolder folder_;

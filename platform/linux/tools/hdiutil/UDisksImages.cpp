@@ -30,7 +30,7 @@ bool isDeleted(const std::string& loopName) {
 
 /// Whether the volume lies where the desktop mounts for this user alone.
 bool isMountedForUs(const Mount& mount) {
-  return presentedVolumePath(mount.mountPoint, userName(), {}).starts_with(kVolumesFolder);
+  return isVolumeOfUser(mount.mountPoint, userName());
 }
 
 /// Where somebody else, an automounter say, has mounted the device; empty if nobody has.
